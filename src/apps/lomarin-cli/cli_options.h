@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/connect/session_settings.h"
+
+namespace lomarin::cli {
+
+struct ParsedArgs {
+  TMySessionSettings connection;
+  std::vector<std::string> positional;
+  std::vector<std::string> flags;  // options of the command itself, e.g. "--optimize"
+};
+
+// Reads the connection options every command takes, with the mariadb client's long names:
+// --host --port --user --password --database --socket --ssl --ssl-ca --ssl-cert --ssl-key
+// --compress, as "--name=value" or "--name value". Throws std::invalid_argument on a bad one.
+ParsedArgs parseArgs(const std::vector<std::string>& args);
+
+}  // namespace lomarin::cli

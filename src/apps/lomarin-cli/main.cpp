@@ -1,0 +1,43 @@
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "cli_options.h"
+#include "query_command.h"
+
+namespace {
+
+void usage(std::FILE* to) {
+  std::fprintf(to,
+               "usage: lomarin-cli COMMAND [options] ARGUMENTS\n"
+               "commands:\n"
+               "  query STATEMENT   print one statement's result as tab-separated rows\n"
+               "connection options: --host --port --user --password --database --socket\n"
+               "                    --ssl --ssl-ca --ssl-cert --ssl-key --ssl-cipher --compress\n"
+               "                    --default-character-set\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    usage(stderr);
+    return 2;
+  }
+  const std::string command = argv[1];
+  if (command == "--help" || command == "help") {
+    usage(stdout);
+    return 0;
+  }
+  try {
+    const auto args = lomarin::cli::parseArgs(std::vector<std::string>(argv + 2, argv + argc));
+    if (command == "query") return lomarin::cli::runQuery(args, stdout, stderr);
+  } catch (const std::invalid_argument& error) {
+    std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
+    return 2;
+  }
+  std::fprintf(stderr, "lomarin-cli: unknown command %s\n", command.c_str());
+  usage(stderr);
+  return 2;
+}

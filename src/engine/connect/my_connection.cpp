@@ -1,0 +1,300 @@
+#include "engine/connect/my_connection.h"
+
+#include <errmsg.h>
+#include <mysqld_error.h>
+
+#include <algorithm>
+#include <cctype>
+
+#include "engine/connect/my_query.h"
+#include "engine/connect/server_version.h"
+#include "engine/connect/session_impl.h"
+#include "engine/connect/sql_monitor.h"
+
+namespace lomarin {
+
+namespace {
+
+constexpr unsigned kConnectionKilled = 1927;  // MariaDB: the session was killed while idle
+constexpr unsigned kClientInteractionTimeout = 4031;  // MySQL 8: idle session closed by the server
+constexpr const char* kHandshakePrefix = "5.5.5-";
+
+bool isConnectionLost(unsigned number) {
+  return number == CR_SERVER_GONE_ERROR || number == CR_SERVER_LOST || number == kConnectionKilled ||
+         number == kClientInteractionTimeout;
+}
+
+bool isClientError(unsigned number) { return number >= CR_MIN_ERROR && number <= CR_MAX_ERROR; }
+
+bool startsWithWords(std::string_view sql, std::string_view words) {
+  while (!sql.empty() && std::isspace(static_cast<unsigned char>(sql.front()))) sql.remove_prefix(1);
+  if (sql.size() < words.size()) return false;
+  return std::equal(words.begin(), words.end(), sql.begin(), [](char a, char b) {
+    return std::toupper(static_cast<unsigned char>(a)) == std::toupper(static_cast<unsigned char>(b));
+  });
+}
+
+bool containsWords(std::string_view sql, std::string_view words) {
+  return std::search(sql.begin(), sql.end(), words.begin(), words.end(), [](char a, char b) {
+           return std::toupper(static_cast<unsigned char>(a)) == std::toupper(static_cast<unsigned char>(b));
+         }) != sql.end();
+}
+
+void setOption(MYSQL* mysql, mysql_option option, const std::string& value) {
+  if (!value.empty()) mysql_optionsv(mysql, option, value.c_str());
+}
+
+}  // namespace
+
+ServerError errorOf(MYSQL* mysql) {
+  return ServerError(mysql_errno(mysql), mysql_sqlstate(mysql), mysql_error(mysql));
+}
+
+// ---- Impl ----
+
+MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string& charset) {
+  const TMySessionSettings& s = owner.Settings;
+  MYSQL* m = mysql_init(nullptr);
+  if (!m) throw ServerError(CR_OUT_OF_MEMORY, "HY000", "MySQL client ran out of memory");
+
+  const bool ssl = s.UseSSL || s.Protocol == TMyProtocol::SSL;
+  const bool useSocket = s.Protocol == TMyProtocol::Socket ||
+                         (s.Protocol == TMyProtocol::Default && !s.SocketPath.empty() &&
+                          (s.Server.empty() || s.Server == "localhost"));
+  switch (s.Protocol) {
+    case TMyProtocol::Default:
+    case TMyProtocol::TCP:
+    case TMyProtocol::Socket:
+    case TMyProtocol::SSL: {
+      unsigned protocol = useSocket ? MYSQL_PROTOCOL_SOCKET : MYSQL_PROTOCOL_TCP;
+      if (s.Protocol != TMyProtocol::Default || useSocket) mysql_optionsv(m, MYSQL_OPT_PROTOCOL, &protocol);
+      break;
+    }
+    case TMyProtocol::Pipe:
+    case TMyProtocol::Memory:
+    case TMyProtocol::Http:
+      mysql_close(m);
+      throw ServerError(CR_CONN_UNKNOWN_PROTOCOL, "HY000", "Wrong or unknown protocol");
+  }
+  if (s.Compress) mysql_optionsv(m, MYSQL_OPT_COMPRESS, nullptr);
+  setOption(m, MYSQL_SET_CHARSET_NAME, charset);
+  if (s.ConnectionTimeout >= 15) {
+    unsigned timeout = static_cast<unsigned>(s.ConnectionTimeout);
+    mysql_optionsv(m, MYSQL_OPT_CONNECT_TIMEOUT, &timeout);
+  }
+  if (ssl) {
+    setOption(m, MYSQL_OPT_SSL_KEY, s.SSL.Key);
+    setOption(m, MYSQL_OPT_SSL_CERT, s.SSL.Cert);
+    setOption(m, MYSQL_OPT_SSL_CA, s.SSL.CACert);
+    setOption(m, MYSQL_OPT_SSL_CIPHER, s.SSL.ChipherList);
+    my_bool on = 1;
+    mysql_optionsv(m, MYSQL_OPT_SSL_ENFORCE, &on);
+    // A CA file is only worth giving if the server is checked against it, host name included.
+    my_bool verify = s.SSL.CACert.empty() ? 0 : 1;
+    mysql_optionsv(m, MYSQL_OPT_SSL_VERIFY_SERVER_CERT, &verify);
+  }
+  unsigned localInfile = 0;
+  mysql_optionsv(m, MYSQL_OPT_LOCAL_INFILE, &localInfile);
+
+  const char* host = s.Server.empty() ? nullptr : s.Server.c_str();
+  const char* socket = s.SocketPath.empty() ? nullptr : s.SocketPath.c_str();
+  const char* db = database.empty() ? nullptr : database.c_str();
+  if (!mysql_real_connect(m, host, s.Username.c_str(), s.Password.c_str(), db,
+                          static_cast<unsigned>(s.Port), socket, CLIENT_MULTI_RESULTS)) {
+    ServerError error = errorOf(m);
+    mysql_close(m);
+    throw error;
+  }
+  if (ssl && !mysql_get_ssl_cipher(m)) {
+    mysql_close(m);
+    throw ServerError(CR_SSL_CONNECTION_ERROR, "HY000", "SSL connection error: the connection is not encrypted");
+  }
+  if (multiStatements) mysql_set_server_option(m, MYSQL_OPTION_MULTI_STATEMENTS_ON);
+
+  serverVersion = mysql_get_server_info(m);
+  // The client library drops the "5.5.5-" that MariaDB 10+ puts before its version in the
+  // handshake; version checks were written against the text the server sent.
+  if (mariadb_connection(m) && lomarin::ServerMajorVersion(serverVersion) >= 10)
+    serverVersion = kHandshakePrefix + serverVersion;
+  return m;
+}
+
+void TMyConnection::Impl::close() {
+  releasePending();
+  if (mysql) mysql_close(mysql);
+  mysql = nullptr;
+  tablesLocked = false;
+  lossReported = false;
+}
+
+void TMyConnection::Impl::fail(const ServerError& error) {
+  lastError = error;
+  if (owner.Events.OnError) owner.Events.OnError(error);
+  throw error;
+}
+
+void TMyConnection::Impl::releasePending() {
+  if (pending) {
+    TMyQuery* query = pending;
+    pending = nullptr;
+    query->releaseConnection();
+  }
+}
+
+unsigned TMyConnection::Impl::serverStatus() const {
+  unsigned status = 0;
+  if (mysql) mariadb_get_infov(mysql, MARIADB_CONNECTION_SERVER_STATUS, &status);
+  return status;
+}
+
+std::string TMyConnection::Impl::schema() const {
+  const char* db = nullptr;
+  if (mysql) mariadb_get_infov(mysql, MARIADB_CONNECTION_SCHEMA, &db);
+  return db ? db : "";
+}
+
+void TMyConnection::Impl::noteLocks(std::string_view sql) {
+  if (startsWithWords(sql, "LOCK TABLE") ||
+      (startsWithWords(sql, "FLUSH TABLE") && containsWords(sql, "WITH READ LOCK")))
+    tablesLocked = true;
+  else if (startsWithWords(sql, "UNLOCK TABLE"))
+    tablesLocked = false;
+}
+
+void TMyConnection::Impl::reconnect() {
+  const std::string database = schema();
+  const std::string charset = mysql_character_set_name(mysql);
+  const bool autocommitOff = !(serverStatus() & SERVER_STATUS_AUTOCOMMIT);
+  MYSQL* fresh = open(database, charset);
+  mysql_close(mysql);
+  mysql = fresh;
+  tablesLocked = false;
+  lossReported = false;
+  if (autocommitOff) {
+    if (monitor) monitor->trace("SET autocommit=0");
+    mysql_autocommit(mysql, 0);
+  }
+}
+
+void TMyConnection::Impl::send(std::string_view sql) {
+  if (!mysql) fail(ServerError(CR_SERVER_GONE_ERROR, "HY000", "Not connected"));
+  releasePending();
+  for (;;) {
+    // A silent repeat would run the statement outside the transaction or locks it belonged to.
+    const bool holdsState = !lossReported && ((serverStatus() & SERVER_STATUS_IN_TRANS) || tablesLocked);
+    if (monitor) monitor->trace(sql);
+    if (mysql_real_query(mysql, sql.data(), sql.size()) == 0) {
+      noteLocks(sql);
+      return;
+    }
+    ServerError error = currentError();
+    if (!isConnectionLost(error.number())) fail(error);
+    if (holdsState) {
+      lossReported = true;
+      fail(error);
+    }
+    for (;;) {
+      if (!owner.Events.OnConnectionLost || owner.Events.OnConnectionLost() != RetryMode::ReconnectExecute)
+        fail(error);
+      try {
+        reconnect();
+        break;
+      } catch (const ServerError& reconnectError) {
+        if (!isClientError(reconnectError.number())) fail(reconnectError);
+        error = reconnectError;
+      }
+    }
+  }
+}
+
+// ---- TMyConnection ----
+
+TMyConnection::TMyConnection() : d(std::make_unique<Impl>(*this)) {}
+
+TMyConnection::~TMyConnection() { d->close(); }
+
+void TMyConnection::setMonitor(TMySQLMonitor* monitor) { d->monitor = monitor; }
+
+void TMyConnection::Connect() {
+  if (Connected()) Disconnect();
+  if (Events.BeforeConnect) Events.BeforeConnect();
+  std::string charset = Settings.Charset;
+  if (charset.empty() && Settings.UseUnicode) charset = "utf8mb4";
+  try {
+    d->mysql = d->open(Settings.Database, charset);
+  } catch (const ServerError& error) {
+    d->fail(error);
+  }
+  if (Events.AfterConnect) Events.AfterConnect();
+}
+
+void TMyConnection::Disconnect() {
+  if (!Connected()) return;
+  if (Events.BeforeDisconnect) Events.BeforeDisconnect();
+  d->close();
+  if (Events.AfterDisconnect) Events.AfterDisconnect();
+}
+
+bool TMyConnection::Connected() const { return d->mysql != nullptr; }
+
+const std::string& TMyConnection::ServerVersion() const { return d->serverVersion; }
+int TMyConnection::ServerMajorVersion() const { return lomarin::ServerMajorVersion(d->serverVersion); }
+int TMyConnection::ServerVersionNumber() const { return lomarin::ServerVersionNumber(d->serverVersion); }
+std::string TMyConnection::ClientVersion() const { return mysql_get_client_info(); }
+
+std::string TMyConnection::CharsetName() const {
+  return d->mysql ? mysql_character_set_name(d->mysql) : "";
+}
+
+std::string TMyConnection::CurrentDatabase() const { return d->schema(); }
+
+unsigned long TMyConnection::ThreadId() const { return d->mysql ? mysql_thread_id(d->mysql) : 0; }
+
+unsigned TMyConnection::AppliedConnectTimeout() const {
+  unsigned timeout = 0;
+  if (d->mysql) mysql_get_optionv(d->mysql, MYSQL_OPT_CONNECT_TIMEOUT, &timeout);
+  return timeout;
+}
+
+std::string TMyConnection::SslCipher() const {
+  const char* cipher = d->mysql ? mysql_get_ssl_cipher(d->mysql) : nullptr;
+  return cipher ? cipher : "";
+}
+
+bool TMyConnection::InTransaction() const { return (d->serverStatus() & SERVER_STATUS_IN_TRANS) != 0; }
+
+std::string TMyConnection::GetMySQLinfo() const {
+  return "MySQL Server   " + ServerVersion() + "\n" + "MySQL Client   " + ClientVersion() + "\n" +
+         "Charset        " + CharsetName() + "\r\n";
+}
+
+const std::optional<ServerError>& TMyConnection::LastError() const { return d->lastError; }
+
+TMyConnection::MultiStatements::MultiStatements(TMyConnection& connection) : connection_(connection) {
+  connection_.d->multiStatements = true;
+  if (connection_.d->mysql) mysql_set_server_option(connection_.d->mysql, MYSQL_OPTION_MULTI_STATEMENTS_ON);
+}
+
+TMyConnection::MultiStatements::~MultiStatements() {
+  connection_.d->multiStatements = false;
+  if (!connection_.d->mysql) return;
+  // Results of the multi-statement request must be read before the option can be changed.
+  connection_.d->releasePending();
+  mysql_set_server_option(connection_.d->mysql, MYSQL_OPTION_MULTI_STATEMENTS_OFF);
+}
+
+bool ExecSQLText(TMyConnection& session, std::string_view text,
+                 const std::function<void(const ServerError&)>& reportError) {
+  try {
+    TMyQuery query(session);
+    query.UniDirectional = false;
+    query.SQL = std::string(text);
+    query.Execute();
+    return true;
+  } catch (const ServerError& error) {
+    if (reportError) reportError(error);
+    return false;
+  }
+}
+
+}  // namespace lomarin

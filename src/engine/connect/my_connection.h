@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/connect/lost_connection.h"
+#include "engine/connect/server_error.h"
+#include "engine/connect/session_settings.h"
+
+namespace lomarin {
+
+class TMySQLMonitor;
+class TMyQuery;
+
+struct TMySessionEvents {
+  std::function<void()> BeforeConnect;
+  std::function<void()> AfterConnect;
+  std::function<void()> BeforeDisconnect;
+  std::function<void()> AfterDisconnect;
+  // Sees every server error before it is thrown to the caller.
+  std::function<void(const ServerError&)> OnError;
+  // Asked when a statement finds the connection gone; no handler means the error is raised.
+  std::function<RetryMode()> OnConnectionLost;
+};
+
+// One server session. Every statement goes through it, so the monitor sees them all.
+class TMyConnection {
+ public:
+  TMyConnection();
+  ~TMyConnection();
+  TMyConnection(const TMyConnection&) = delete;
+  TMyConnection& operator=(const TMyConnection&) = delete;
+
+  TMySessionSettings Settings;
+  TMySessionEvents Events;
+
+  void setMonitor(TMySQLMonitor* monitor);
+
+  void Connect();
+  void Disconnect();
+  bool Connected() const;
+
+  // The version text as the server's handshake gave it ("5.5.5-10.11.6-MariaDB..." for MariaDB).
+  const std::string& ServerVersion() const;
+  int ServerMajorVersion() const;
+  int ServerVersionNumber() const;
+  std::string ClientVersion() const;
+  std::string CharsetName() const;
+  std::string CurrentDatabase() const;
+  unsigned long ThreadId() const;
+  // Connect time-out the client library holds, in seconds (0: the library's default).
+  unsigned AppliedConnectTimeout() const;
+  // Empty when the connection is not encrypted.
+  std::string SslCipher() const;
+  bool InTransaction() const;
+
+  std::string GetMySQLinfo() const;
+  const std::optional<ServerError>& LastError() const;
+
+  // Multi-statement requests stay off except while one of these is alive.
+  class MultiStatements {
+   public:
+    explicit MultiStatements(TMyConnection& connection);
+    ~MultiStatements();
+    MultiStatements(const MultiStatements&) = delete;
+    MultiStatements& operator=(const MultiStatements&) = delete;
+
+   private:
+    TMyConnection& connection_;
+  };
+
+  struct Impl;
+
+ private:
+  friend class TMyQuery;
+  std::unique_ptr<Impl> d;
+};
+
+// Runs one statement as a command. A failure goes to reportError (when given) and gives false.
+bool ExecSQLText(TMyConnection& session, std::string_view text,
+                 const std::function<void(const ServerError&)>& reportError = {});
+
+}  // namespace lomarin

@@ -1,0 +1,51 @@
+#pragma once
+// Private to the connect subsystem: the only header besides .cpp files that sees <mysql.h>.
+
+#include <mysql.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/connect/my_connection.h"
+
+namespace lomarin {
+
+class TMySQLMonitor;
+
+ServerError errorOf(MYSQL* mysql);
+
+struct TMyConnection::Impl {
+  explicit Impl(TMyConnection& owner) : owner(owner) {}
+
+  TMyConnection& owner;
+  MYSQL* mysql = nullptr;
+  TMySQLMonitor* monitor = nullptr;
+  std::string serverVersion;
+  std::optional<ServerError> lastError;
+  bool multiStatements = false;
+  bool tablesLocked = false;
+  // Set once a loss that could not be retried has been reported; the next statement reconnects.
+  bool lossReported = false;
+  // The query whose result rows (or further results) are still unread on the connection.
+  TMyQuery* pending = nullptr;
+
+  MYSQL* open(const std::string& database, const std::string& charset);
+  void close();
+
+  // Sends one request, reconnecting and sending it again when the connection was lost and the
+  // lost-connection handler asks for it. Throws ServerError.
+  void send(std::string_view sql);
+  [[noreturn]] void fail(const ServerError& error);
+  ServerError currentError() const { return errorOf(mysql); }
+  void releasePending();
+
+  unsigned serverStatus() const;
+  std::string schema() const;
+
+ private:
+  void reconnect();
+  void noteLocks(std::string_view sql);
+};
+
+}  // namespace lomarin

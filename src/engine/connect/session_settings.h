@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+
+namespace lomarin {
+
+enum class TMyProtocol { Default = 0, TCP = 1, Socket = 2, Pipe = 3, Memory = 4, SSL = 5, Http = 6 };
+
+struct TMySSLOptions {
+  std::string CACert;
+  std::string Cert;
+  std::string ChipherList;
+  std::string Key;
+};
+
+// What the connect dialog copies onto the session right before each connect.
+struct TMySessionSettings {
+  std::string Username;
+  std::string Password;
+  std::string Server = "localhost";
+  int Port = 3306;
+  std::string Database;
+  TMyProtocol Protocol = TMyProtocol::Default;
+  // Kept for stored accounts; this build has one protocol implementation, the client library.
+  bool Direct = false;
+  bool UseUnicode = true;
+  bool Compress = false;
+  // Empty means "default": nothing is asked of the server (utf8mb4 when UseUnicode is on).
+  std::string Charset;
+  // Seconds; applied only from 15 up, below that the client library's default stays.
+  int ConnectionTimeout = 0;
+  bool UseSSL = false;
+  TMySSLOptions SSL;
+  // Unix socket path for Protocol Socket, or for "localhost" with Protocol Default.
+  std::string SocketPath;
+};
+
+}  // namespace lomarin

@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+
+#include "cli_options.h"
+#include "query_command.h"
+#include "test_server.h"
+#include "tsv_writer.h"
+
+namespace lomarin::cli {
+namespace {
+
+TEST(CliOptions, MariadbLongNamesInBothForms) {
+  auto a = parseArgs({"--host=db.example", "--port", "3307", "--user=u", "--password=p=w",
+                      "--database", "shop", "--ssl-ca=/ca.pem", "--compress", "select 1", "--optimize"});
+  EXPECT_EQ(a.connection.Server, "db.example");
+  EXPECT_EQ(a.connection.Port, 3307);
+  EXPECT_EQ(a.connection.Username, "u");
+  EXPECT_EQ(a.connection.Password, "p=w");
+  EXPECT_EQ(a.connection.Database, "shop");
+  EXPECT_EQ(a.connection.SSL.CACert, "/ca.pem");
+  EXPECT_TRUE(a.connection.UseSSL);
+  EXPECT_TRUE(a.connection.Compress);
+  EXPECT_EQ(a.positional, std::vector<std::string>{"select 1"});
+  EXPECT_EQ(a.flags, std::vector<std::string>{"--optimize"});
+  EXPECT_THROW(parseArgs({"--port=http"}), std::invalid_argument);
+  EXPECT_THROW(parseArgs({"--user"}), std::invalid_argument);
+}
+
+TEST(TsvWriter, EscapesLikeTheBatchClient) {
+  EXPECT_EQ(TsvWriter::escape(std::string_view("a\tb\nc\\d\0e", 9)), "a\\tb\\nc\\\\d\\0e");
+  EXPECT_EQ(TsvWriter::escape("plain"), "plain");
+}
+
+std::string slurp(std::FILE* f) {
+  std::rewind(f);
+  std::string text;
+  char buf[4096];
+  for (size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
+  return text;
+}
+
+std::vector<std::string> connectionArgs() {
+  const auto s = test::serverSettings();
+  return {"--host", s.Server, "--port", std::to_string(s.Port), "--user", s.Username, "--password", s.Password};
+}
+
+TEST(QueryCommand, PrintsHeaderAndRowsTabSeparated) {
+  auto args = connectionArgs();
+  args.push_back("SELECT 1 AS a, NULL AS b, 'x\ty' AS c UNION ALL SELECT 2, 'n', ''");
+  std::FILE* out = std::tmpfile();
+  std::FILE* err = std::tmpfile();
+  EXPECT_EQ(runQuery(parseArgs(args), out, err), 0);
+  EXPECT_EQ(slurp(out), "a\tb\tc\n1\tNULL\tx\\ty\n2\tn\t\n");
+  EXPECT_EQ(slurp(err), "");
+  std::fclose(out);
+  std::fclose(err);
+}
+
+TEST(QueryCommand, ServerErrorGoesToStderrWithNumber) {
+  auto args = connectionArgs();
+  args.push_back("SELECT * FROM mysql.no_such_table");
+  std::FILE* out = std::tmpfile();
+  std::FILE* err = std::tmpfile();
+  EXPECT_EQ(runQuery(parseArgs(args), out, err), 1);
+  EXPECT_EQ(slurp(err), "ERROR 1146 (42S02): Table 'mysql.no_such_table' doesn't exist\n");
+  std::fclose(out);
+  std::fclose(err);
+}
+
+}  // namespace
+}  // namespace lomarin::cli

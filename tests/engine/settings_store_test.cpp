@@ -1,0 +1,382 @@
+#include "engine/app/settings_store.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <thread>
+
+namespace lomarin {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A store cannot turn a text into a Boolean by accident.
+template <typename T>
+concept WritableAsFlag = requires(SettingsStore& s, T value) { s.write(opt::SqlTrace, value); };
+static_assert(WritableAsFlag<bool> && !WritableAsFlag<const char*> && !WritableAsFlag<std::string>);
+
+std::string bytesOf(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void writeBytes(const fs::path& file, const std::string& bytes, std::streamoff at = 0) {
+  std::fstream out(file, std::ios::binary | std::ios::in | std::ios::out);
+  if (!out) out.open(file, std::ios::binary | std::ios::out);
+  out.seekp(at);
+  out << bytes;
+}
+
+void sql(const fs::path& file, const char* text) {
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(db, text, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+  sqlite3_close(db);
+}
+
+const Option* findOption(std::string_view keyPath, std::string_view name) {
+  for (const auto& option : allOptions()) {
+    const bool match = std::visit([&](const auto& o) { return o.keyPath == keyPath && o.name == name; }, option);
+    if (match) return &option;
+  }
+  return nullptr;
+}
+
+class SettingsStoreTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = fs::temp_directory_path() / ("lomarin-settings-" + std::to_string(getpid()) + "-" +
+                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(folder_);
+    file_ = folder_ / "sub" / "settings.sqlite";
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  fs::path folder_;
+  fs::path file_;
+};
+
+TEST_F(SettingsStoreTest, FreshStoreReadsEveryDefaultAndWritesNothing) {
+  SettingsStore store(file_);
+  ASSERT_TRUE(fs::exists(file_));
+  for (const auto& option : allOptions()) {
+    if (const auto* flag = std::get_if<BoolOption>(&option)) {
+      EXPECT_EQ(store.read(*flag), flag->def) << flag->name;
+    } else {
+      const auto& text = std::get<StringOption>(option);
+      if (text.def) {
+        EXPECT_EQ(store.read(text), *text.def) << text.name;
+      }
+      EXPECT_EQ(store.read(text, "caller's"), "caller's") << text.name;
+    }
+  }
+  EXPECT_EQ(store.read(opt::BackupDirectory), "");
+  EXPECT_TRUE(store.subKeyNames("").empty());
+  EXPECT_TRUE(store.valueNames(key::Options).empty());
+}
+
+TEST_F(SettingsStoreTest, TableHoldsTheDocumentedNamesAndDefaults) {
+  const auto flag = [](std::string_view keyPath, std::string_view name) {
+    const Option* option = findOption(keyPath, name);
+    return option && std::holds_alternative<BoolOption>(*option) ? std::optional(std::get<BoolOption>(*option).def)
+                                                                 : std::nullopt;
+  };
+  const auto text = [](std::string_view keyPath, std::string_view name) -> std::optional<std::string_view> {
+    const Option* option = findOption(keyPath, name);
+    if (!option || !std::holds_alternative<StringOption>(*option)) return "<missing>";
+    return std::get<StringOption>(*option).def;
+  };
+  EXPECT_EQ(flag(key::Options, "Focus Firts cell on new record"), false);
+  EXPECT_EQ(flag(key::Options, "Value List for Foreing Keys"), false);
+  EXPECT_EQ(flag(key::Options, "Script Execution Optime "), false);
+  EXPECT_EQ(flag(key::Options, " Default Host Option "), false);
+  EXPECT_EQ(flag(key::Options, "chkColumn Hiding on Grouping"), true);
+  EXPECT_EQ(flag(key::Options, "Gutter Visible "), true);
+  EXPECT_EQ(flag(key::Options, "Show Special Chars"), false);
+  EXPECT_EQ(flag(key::Options, "Output with statment "), false);
+  EXPECT_EQ(flag(key::QueryBuilder, "Expand uery Nodes"), true);
+  EXPECT_EQ(flag(key::StartingUser, "Wiews "), true);
+  EXPECT_EQ(flag(key::StartingUser, "UDF "), false);
+  EXPECT_EQ(text(key::Options, "Limit Size"), "100");
+  EXPECT_EQ(text(key::Options, "Skin Type"), "1");
+  EXPECT_EQ(text(key::Options, "Font Size "), "10");
+  EXPECT_EQ(text(key::Options, "Font Size"), "8");
+  EXPECT_EQ(text(key::Options, "Editor Encoding"), "ANSI");
+  EXPECT_EQ(text(key::Options, "Output Size"), "80");
+  EXPECT_EQ(text(key::Options, "Mysql Bin Directory "), "");
+  EXPECT_EQ(text(key::Options, "Backup Directory "), std::nullopt);
+  EXPECT_EQ(text(key::Options, "Default DataBase Port"), std::nullopt);
+  EXPECT_EQ(text(key::QueryBuilder, "Tree Grouping"), "5");
+  EXPECT_EQ(text(key::QueryBuilder, "Bk image darkness"), "Light gray on White");
+
+  // 76 values of the Options key, 21 of QueryBuilder, 6 of Starting\User; no name twice in a key.
+  EXPECT_EQ(dialogOptions().size(), 103u);
+  std::set<std::pair<std::string, std::string>> seen;
+  for (const auto& option : allOptions()) {
+    std::visit(
+        [&](const auto& o) {
+          std::string lower(o.name);
+          std::transform(lower.begin(), lower.end(), lower.begin(), ::tolower);
+          EXPECT_TRUE(seen.emplace(std::string(o.keyPath), lower).second) << o.name;
+        },
+        option);
+  }
+  EXPECT_EQ(std::count_if(dialogOptions().begin(), dialogOptions().end(),
+                          [](const Option& o) { return std::visit([](auto& v) { return v.keyPath; }, o) == key::Options; }),
+            76);
+}
+
+TEST_F(SettingsStoreTest, EveryOptionRoundTripsUnderItsExactName) {
+  std::vector<std::string> optionsKeyNames;
+  {
+    SettingsStore store(file_);
+    int n = 0;
+    for (const auto& option : allOptions()) {
+      if (const auto* flag = std::get_if<BoolOption>(&option)) {
+        ASSERT_TRUE(store.write(*flag, !flag->def));
+      } else {
+        ASSERT_TRUE(store.write(std::get<StringOption>(option), "value " + std::to_string(n)));
+      }
+      std::visit([&](const auto& o) { if (o.keyPath == key::Options) optionsKeyNames.emplace_back(o.name); }, option);
+      ++n;
+    }
+  }
+  SettingsStore store(file_);
+  int n = 0;
+  for (const auto& option : allOptions()) {
+    if (const auto* flag = std::get_if<BoolOption>(&option)) {
+      EXPECT_EQ(store.read(*flag), !flag->def) << flag->name;
+    } else {
+      EXPECT_EQ(store.read(std::get<StringOption>(option)), "value " + std::to_string(n));
+    }
+    ++n;
+  }
+  EXPECT_EQ(store.valueNames(key::Options), optionsKeyNames);
+  EXPECT_EQ(store.subKeyNames(key::Options), std::vector<std::string>{"QueryBuilder"});
+  EXPECT_EQ(store.subKeyNames(key::Vendor), (std::vector<std::string>{"Options", "Starting"}));
+}
+
+TEST_F(SettingsStoreTest, NamesMatchCaseInsensitivelyButBlanksCount) {
+  SettingsStore store(file_);
+  ASSERT_TRUE(store.writeString("Font Size", "8", key::Options));
+  ASSERT_TRUE(store.writeString("Font Size ", "12", key::Options));
+  EXPECT_EQ(store.readString("Font Size", "", key::Options), "8");
+  EXPECT_EQ(store.readString("Font Size ", "", key::Options), "12");
+  EXPECT_EQ(store.readString(" Font Size", "none", key::Options), "none");
+
+  // Lookup ignores case and the leading backslash of the key path; stored spelling stays the first one.
+  ASSERT_TRUE(store.writeBool("SQL Trace", true, key::Options));
+  const auto sameKey = R"(software\KESTROVA\lomarin for mysql\options)";
+  EXPECT_TRUE(store.readBool("sql trace", false, sameKey));
+  ASSERT_TRUE(store.writeBool("sql TRACE", false, sameKey));
+  EXPECT_FALSE(store.read(opt::SqlTrace));
+  EXPECT_EQ(store.valueNames(key::Options), (std::vector<std::string>{"Font Size", "Font Size ", "SQL Trace"}));
+  EXPECT_EQ(store.subKeyNames(key::Vendor), std::vector<std::string>{"Options"});
+}
+
+TEST_F(SettingsStoreTest, ValueOfTheOtherTypeReadsAsDefault) {
+  SettingsStore store(file_);
+  ASSERT_TRUE(store.writeString("Use Limit", "1", key::Options));
+  ASSERT_TRUE(store.writeBool("Limit Size", true, key::Options));
+  EXPECT_FALSE(store.read(opt::UseLimit));
+  EXPECT_EQ(store.read(opt::LimitSize), "100");
+
+  // A re-write may change the type; the newest type wins.
+  ASSERT_TRUE(store.write(opt::UseLimit, true));
+  EXPECT_TRUE(store.read(opt::UseLimit));
+  EXPECT_EQ(store.readString("Use Limit", "gone", key::Options), "gone");
+  ASSERT_TRUE(store.write(opt::LimitSize, ""));
+  EXPECT_EQ(store.read(opt::LimitSize), "");  // empty is a value, not a missing one
+}
+
+TEST_F(SettingsStoreTest, ValuesEnumerateInFirstWriteOrderUntilTheKeyIsDeleted) {
+  SettingsStore store(file_);
+  const auto account = std::string(key::Accounts) + R"(\local)";
+  for (const char* name : {"Login", "Password", "Server", "Database Port"}) store.writeString(name, "x", account);
+  store.writeString("Server", "changed", account);
+  store.writeString("login", "changed", account);
+  EXPECT_EQ(store.valueNames(account), (std::vector<std::string>{"Login", "Password", "Server", "Database Port"}));
+  EXPECT_EQ(store.readString("Server", "", account), "changed");
+
+  ASSERT_TRUE(store.deleteKey(account));
+  EXPECT_TRUE(store.valueNames(account).empty());
+  EXPECT_EQ(store.readString("Server", "missing", account), "missing");
+  store.writeString("Server", "y", account);
+  store.writeString("Login", "y", account);
+  EXPECT_EQ(store.valueNames(account), (std::vector<std::string>{"Server", "Login"}));
+}
+
+TEST_F(SettingsStoreTest, SubKeysSortCaseInsensitivelyAndDeleteWithTheirKey) {
+  SettingsStore store(file_);
+  const std::string accounts(key::Accounts);
+  for (const char* name : {"zeta", "Alpha", "beta", R"(Beta\nested\deeper)"})
+    ASSERT_TRUE(store.writeString("Login", name, accounts + "\\" + name));
+  EXPECT_EQ(store.subKeyNames(accounts), (std::vector<std::string>{"Alpha", "beta", "zeta"}));
+  EXPECT_EQ(store.subKeyNames(accounts + R"(\BETA)"), std::vector<std::string>{"nested"});
+  EXPECT_EQ(store.subKeyNames(R"(\SOFTWARE\Kestrova)"), std::vector<std::string>{"Lomarin for MySQL"});
+  EXPECT_EQ(store.subKeyNames(""), std::vector<std::string>{"SOFTWARE"});
+  EXPECT_TRUE(store.subKeyNames(accounts + R"(\missing)").empty());
+
+  ASSERT_TRUE(store.deleteKey(accounts + R"(\beta)"));
+  EXPECT_EQ(store.subKeyNames(accounts), (std::vector<std::string>{"Alpha", "zeta"}));
+  EXPECT_EQ(store.readString("Login", "gone", accounts + R"(\beta\nested\deeper)"), "gone");
+  ASSERT_TRUE(store.deleteKey(accounts));
+  EXPECT_FALSE(store.deleteKey(accounts));
+  EXPECT_FALSE(store.deleteKey(""));
+  EXPECT_EQ(store.subKeyNames(key::Vendor), std::vector<std::string>{});
+}
+
+TEST_F(SettingsStoreTest, WritesOfOtherStoresAreSeenOnTheNextRead) {
+  SettingsStore first(file_);
+  SettingsStore second(file_);
+  EXPECT_EQ(second.read(opt::OutputSize), "80");
+  ASSERT_TRUE(first.write(opt::OutputSize, "120"));
+  EXPECT_EQ(second.read(opt::OutputSize), "120");
+  ASSERT_TRUE(second.deleteKey(key::Options));
+  EXPECT_EQ(first.read(opt::OutputSize), "80");
+}
+
+TEST_F(SettingsStoreTest, ConcurrentWritersInThreadsAndProcessesLoseNothing) {
+  constexpr int kPerWriter = 300;
+  SettingsStore{file_};  // created up front so that every writer opens an existing file
+  const auto writeMany = [&](const std::string& who) {
+    SettingsStore store(file_);
+    int failures = 0;
+    for (int i = 0; i < kPerWriter; ++i)
+      failures += !store.writeString(who + std::to_string(i), std::to_string(i * 7), key::Options);
+    return failures;
+  };
+
+  std::vector<pid_t> children;
+  for (const char* who : {"fork-a ", "fork-b "}) {
+    const pid_t pid = fork();
+    ASSERT_NE(pid, -1);
+    if (pid == 0) _exit(writeMany(who) == 0 ? 0 : 1);
+    children.push_back(pid);
+  }
+  int threadFailures[2] = {};
+  std::thread threadA([&] { threadFailures[0] = writeMany("thread-a "); });
+  std::thread threadB([&] { threadFailures[1] = writeMany("thread-b "); });
+  threadA.join();
+  threadB.join();
+  for (const pid_t pid : children) {
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }
+  EXPECT_EQ(threadFailures[0] + threadFailures[1], 0);
+
+  SettingsStore store(file_);
+  EXPECT_EQ(store.valueNames(key::Options).size(), 4u * kPerWriter);
+  for (const char* who : {"fork-a ", "fork-b ", "thread-a ", "thread-b "})
+    for (int i = 0; i < kPerWriter; ++i)
+      ASSERT_EQ(store.readString(who + std::to_string(i), "lost", key::Options), std::to_string(i * 7)) << who << i;
+}
+
+TEST_F(SettingsStoreTest, DamagedFilesAreReportedAndLeftUntouched) {
+  fs::create_directories(file_.parent_path());
+  const auto expectReported = [&](const std::string& what) {
+    const auto before = bytesOf(file_);
+    for (auto access : {SettingsStore::Access::ReadWrite, SettingsStore::Access::ReadOnly}) {
+      try {
+        SettingsStore store(file_, access);
+        ADD_FAILURE() << what << ": opened";
+      } catch (const SettingsError& error) {
+        EXPECT_NE(std::string(error.what()).find(file_.string()), std::string::npos) << error.what();
+        EXPECT_EQ(error.file(), file_);
+      }
+    }
+    EXPECT_EQ(bytesOf(file_), before) << what;
+    EXPECT_EQ(std::distance(fs::directory_iterator(file_.parent_path()), {}), 1) << what;  // no journal left
+    fs::remove_all(file_.parent_path());
+    fs::create_directories(file_.parent_path());
+  };
+
+  writeBytes(file_, std::string(3000, '\x5a') + "not a database");
+  expectReported("garbage");
+
+  sql(file_, "CREATE TABLE other (x); INSERT INTO other VALUES (1);");
+  expectReported("another program's database");
+
+  { SettingsStore(file_).write(opt::LimitSize, "50"); }
+  sql(file_, "PRAGMA user_version = 2");
+  expectReported("newer schema");
+
+  {
+    SettingsStore store(file_);
+    for (int i = 0; i < 200; ++i) store.writeString("v" + std::to_string(i), std::string(100, 'x'), key::Options);
+  }
+  writeBytes(file_, std::string(4096, '\xff'), 4096);
+  expectReported("corrupt pages");
+}
+
+TEST_F(SettingsStoreTest, FileDamagedWhileOpenIsReportedOnUse) {
+  SettingsStore store(file_);
+  ASSERT_TRUE(store.write(opt::SkinType, "2"));
+  const std::string garbage(fs::file_size(file_), '\x13');
+  writeBytes(file_, garbage);
+  EXPECT_THROW(store.read(opt::SkinType), SettingsError);
+  EXPECT_THROW(store.write(opt::SkinType, "3"), SettingsError);
+  EXPECT_THROW(store.valueNames(key::Options), SettingsError);
+  EXPECT_EQ(bytesOf(file_), garbage);
+}
+
+TEST_F(SettingsStoreTest, ReadOnlyStoreReadsButDoesNotWrite) {
+  {
+    SettingsStore missing(file_, SettingsStore::Access::ReadOnly);
+    EXPECT_EQ(missing.read(opt::LimitSize), "100");
+    EXPECT_FALSE(missing.write(opt::LimitSize, "5"));
+    EXPECT_FALSE(fs::exists(file_));
+  }
+  { SettingsStore(file_).write(opt::LimitSize, "50"); }
+  const auto before = bytesOf(file_);
+  SettingsStore store(file_, SettingsStore::Access::ReadOnly);
+  EXPECT_EQ(store.read(opt::LimitSize), "50");
+  EXPECT_FALSE(store.write(opt::LimitSize, "5"));
+  EXPECT_FALSE(store.deleteKey(key::Options));
+  EXPECT_EQ(store.read(opt::LimitSize), "50");
+  EXPECT_EQ(bytesOf(file_), before);
+}
+
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* name, const char* value) : name_(name) {
+    if (const char* old = std::getenv(name)) old_ = old;
+    value ? setenv(name, value, 1) : unsetenv(name);
+  }
+  ~ScopedEnv() { old_ ? setenv(name_, old_->c_str(), 1) : unsetenv(name_); }
+
+ private:
+  const char* name_;
+  std::optional<std::string> old_;
+};
+
+TEST_F(SettingsStoreTest, DefaultFileFollowsTheEnvironment) {
+  ScopedEnv home("HOME", "/home/someone");
+  {
+    ScopedEnv config("LOMARIN_CONFIG_DIR", nullptr);
+    {
+      ScopedEnv xdg("XDG_CONFIG_HOME", "/xdg");
+      EXPECT_EQ(SettingsStore::defaultFile(), "/xdg/Kestrova/Lomarin for MySQL/settings.sqlite");
+    }
+    for (const char* ignored : {"", "relative/dir"}) {
+      ScopedEnv xdg("XDG_CONFIG_HOME", ignored);
+      EXPECT_EQ(SettingsStore::defaultFile(), "/home/someone/.config/Kestrova/Lomarin for MySQL/settings.sqlite");
+    }
+  }
+  ScopedEnv config("LOMARIN_CONFIG_DIR", (folder_ / "cfg").c_str());
+  EXPECT_EQ(SettingsStore::defaultFile(), folder_ / "cfg" / "settings.sqlite");
+  SettingsStore(SettingsStore::defaultFile()).write(opt::SqlTrace, true);
+  EXPECT_TRUE(SettingsStore(folder_ / "cfg" / "settings.sqlite").read(opt::SqlTrace));
+}
+
+}  // namespace
+}  // namespace lomarin
