@@ -20,7 +20,9 @@ namespace fs = std::filesystem;
 
 // A store cannot turn a text into a Boolean by accident.
 template <typename T>
-concept WritableAsFlag = requires(SettingsStore& s, T value) { s.write(opt::SqlTrace, value); };
+concept WritableAsFlag = requires(SettingsStore& s, T value) {
+  s.write(opt::SqlTrace, value);
+};
 static_assert(WritableAsFlag<bool> && !WritableAsFlag<const char*> && !WritableAsFlag<std::string>);
 
 std::string bytesOf(const fs::path& file) {
@@ -42,12 +44,19 @@ void sql(const fs::path& file, const char* text) {
   sqlite3_close(db);
 }
 
-const Option* findOption(std::string_view keyPath, std::string_view name) {
+std::pair<std::string_view, std::string_view> keyAndName(const Option& option) {
+  return std::visit([](const auto& o) { return std::pair(o.keyPath, o.name); }, option);
+}
+
+// What the table says about a value: "true"/"false", a quoted default, "none" or "missing".
+std::string documented(std::string_view keyPath, std::string_view name) {
   for (const auto& option : allOptions()) {
-    const bool match = std::visit([&](const auto& o) { return o.keyPath == keyPath && o.name == name; }, option);
-    if (match) return &option;
+    if (keyAndName(option) != std::pair(keyPath, name)) continue;
+    if (const auto* flag = std::get_if<BoolOption>(&option)) return flag->def ? "true" : "false";
+    const auto& def = std::get<StringOption>(option).def;
+    return def ? '"' + std::string(*def) + '"' : "none";
   }
-  return nullptr;
+  return "missing";
 }
 
 class SettingsStoreTest : public ::testing::Test {
@@ -84,54 +93,35 @@ TEST_F(SettingsStoreTest, FreshStoreReadsEveryDefaultAndWritesNothing) {
 }
 
 TEST_F(SettingsStoreTest, TableHoldsTheDocumentedNamesAndDefaults) {
-  const auto flag = [](std::string_view keyPath, std::string_view name) {
-    const Option* option = findOption(keyPath, name);
-    return option && std::holds_alternative<BoolOption>(*option) ? std::optional(std::get<BoolOption>(*option).def)
-                                                                 : std::nullopt;
-  };
-  const auto text = [](std::string_view keyPath, std::string_view name) -> std::optional<std::string_view> {
-    const Option* option = findOption(keyPath, name);
-    if (!option || !std::holds_alternative<StringOption>(*option)) return "<missing>";
-    return std::get<StringOption>(*option).def;
-  };
-  EXPECT_EQ(flag(key::Options, "Focus Firts cell on new record"), false);
-  EXPECT_EQ(flag(key::Options, "Value List for Foreing Keys"), false);
-  EXPECT_EQ(flag(key::Options, "Script Execution Optime "), false);
-  EXPECT_EQ(flag(key::Options, " Default Host Option "), false);
-  EXPECT_EQ(flag(key::Options, "chkColumn Hiding on Grouping"), true);
-  EXPECT_EQ(flag(key::Options, "Gutter Visible "), true);
-  EXPECT_EQ(flag(key::Options, "Show Special Chars"), false);
-  EXPECT_EQ(flag(key::Options, "Output with statment "), false);
-  EXPECT_EQ(flag(key::QueryBuilder, "Expand uery Nodes"), true);
-  EXPECT_EQ(flag(key::StartingUser, "Wiews "), true);
-  EXPECT_EQ(flag(key::StartingUser, "UDF "), false);
-  EXPECT_EQ(text(key::Options, "Limit Size"), "100");
-  EXPECT_EQ(text(key::Options, "Skin Type"), "1");
-  EXPECT_EQ(text(key::Options, "Font Size "), "10");
-  EXPECT_EQ(text(key::Options, "Font Size"), "8");
-  EXPECT_EQ(text(key::Options, "Editor Encoding"), "ANSI");
-  EXPECT_EQ(text(key::Options, "Output Size"), "80");
-  EXPECT_EQ(text(key::Options, "Mysql Bin Directory "), "");
-  EXPECT_EQ(text(key::Options, "Backup Directory "), std::nullopt);
-  EXPECT_EQ(text(key::Options, "Default DataBase Port"), std::nullopt);
-  EXPECT_EQ(text(key::QueryBuilder, "Tree Grouping"), "5");
-  EXPECT_EQ(text(key::QueryBuilder, "Bk image darkness"), "Light gray on White");
+  EXPECT_EQ(documented(key::Options, "Focus Firts cell on new record"), "false");
+  EXPECT_EQ(documented(key::Options, "Value List for Foreing Keys"), "false");
+  EXPECT_EQ(documented(key::Options, " Default Host Option "), "false");
+  EXPECT_EQ(documented(key::Options, "chkColumn Hiding on Grouping"), "true");
+  EXPECT_EQ(documented(key::Options, "Output with statment "), "false");
+  EXPECT_EQ(documented(key::QueryBuilder, "Expand uery Nodes"), "true");
+  EXPECT_EQ(documented(key::StartingUser, "Wiews "), "true");
+  EXPECT_EQ(documented(key::Options, "Limit Size"), "\"100\"");
+  EXPECT_EQ(documented(key::Options, "Skin Type"), "\"1\"");
+  EXPECT_EQ(documented(key::Options, "Font Size "), "\"10\"");
+  EXPECT_EQ(documented(key::Options, "Font Size"), "\"8\"");
+  EXPECT_EQ(documented(key::Options, "Editor Encoding"), "\"ANSI\"");
+  EXPECT_EQ(documented(key::Options, "Mysql Bin Directory "), "\"\"");
+  EXPECT_EQ(documented(key::Options, "Backup Directory "), "none");
+  EXPECT_EQ(documented(key::QueryBuilder, "Tree Grouping"), "\"5\"");
 
   // 76 values of the Options key, 21 of QueryBuilder, 6 of Starting\User; no name twice in a key.
-  EXPECT_EQ(dialogOptions().size(), 103u);
-  std::set<std::pair<std::string, std::string>> seen;
-  for (const auto& option : allOptions()) {
-    std::visit(
-        [&](const auto& o) {
-          std::string lower(o.name);
-          std::transform(lower.begin(), lower.end(), lower.begin(), ::tolower);
-          EXPECT_TRUE(seen.emplace(std::string(o.keyPath), lower).second) << o.name;
-        },
-        option);
-  }
-  EXPECT_EQ(std::count_if(dialogOptions().begin(), dialogOptions().end(),
-                          [](const Option& o) { return std::visit([](auto& v) { return v.keyPath; }, o) == key::Options; }),
+  const auto dialog = dialogOptions();
+  EXPECT_EQ(dialog.size(), 103u);
+  EXPECT_EQ(std::count_if(dialog.begin(), dialog.end(),
+                          [](const Option& o) { return keyAndName(o).first == key::Options; }),
             76);
+  std::set<std::pair<std::string_view, std::string>> seen;
+  for (const auto& option : allOptions()) {
+    auto [keyPath, name] = keyAndName(option);
+    std::string lower(name);
+    std::transform(lower.begin(), lower.end(), lower.begin(), ::tolower);
+    EXPECT_TRUE(seen.emplace(keyPath, lower).second) << name;
+  }
 }
 
 TEST_F(SettingsStoreTest, EveryOptionRoundTripsUnderItsExactName) {
@@ -145,7 +135,7 @@ TEST_F(SettingsStoreTest, EveryOptionRoundTripsUnderItsExactName) {
       } else {
         ASSERT_TRUE(store.write(std::get<StringOption>(option), "value " + std::to_string(n)));
       }
-      std::visit([&](const auto& o) { if (o.keyPath == key::Options) optionsKeyNames.emplace_back(o.name); }, option);
+      if (keyAndName(option).first == key::Options) optionsKeyNames.emplace_back(keyAndName(option).second);
       ++n;
     }
   }
@@ -178,7 +168,8 @@ TEST_F(SettingsStoreTest, NamesMatchCaseInsensitivelyButBlanksCount) {
   EXPECT_TRUE(store.readBool("sql trace", false, sameKey));
   ASSERT_TRUE(store.writeBool("sql TRACE", false, sameKey));
   EXPECT_FALSE(store.read(opt::SqlTrace));
-  EXPECT_EQ(store.valueNames(key::Options), (std::vector<std::string>{"Font Size", "Font Size ", "SQL Trace"}));
+  EXPECT_EQ(store.valueNames(key::Options),
+            (std::vector<std::string>{"Font Size", "Font Size ", "SQL Trace"}));
   EXPECT_EQ(store.subKeyNames(key::Vendor), std::vector<std::string>{"Options"});
 }
 
@@ -200,10 +191,12 @@ TEST_F(SettingsStoreTest, ValueOfTheOtherTypeReadsAsDefault) {
 TEST_F(SettingsStoreTest, ValuesEnumerateInFirstWriteOrderUntilTheKeyIsDeleted) {
   SettingsStore store(file_);
   const auto account = std::string(key::Accounts) + R"(\local)";
-  for (const char* name : {"Login", "Password", "Server", "Database Port"}) store.writeString(name, "x", account);
+  for (const char* name : {"Login", "Password", "Server", "Database Port"})
+    store.writeString(name, "x", account);
   store.writeString("Server", "changed", account);
   store.writeString("login", "changed", account);
-  EXPECT_EQ(store.valueNames(account), (std::vector<std::string>{"Login", "Password", "Server", "Database Port"}));
+  EXPECT_EQ(store.valueNames(account),
+            (std::vector<std::string>{"Login", "Password", "Server", "Database Port"}));
   EXPECT_EQ(store.readString("Server", "", account), "changed");
 
   ASSERT_TRUE(store.deleteKey(account));
@@ -217,16 +210,16 @@ TEST_F(SettingsStoreTest, ValuesEnumerateInFirstWriteOrderUntilTheKeyIsDeleted) 
 TEST_F(SettingsStoreTest, SubKeysSortCaseInsensitivelyAndDeleteWithTheirKey) {
   SettingsStore store(file_);
   const std::string accounts(key::Accounts);
-  for (const char* name : {"zeta", "Alpha", "beta", R"(Beta\nested\deeper)"})
+  for (const char* name : {"zeta", "alpha", "Beta", R"(beta\nested\deeper)"})
     ASSERT_TRUE(store.writeString("Login", name, accounts + "\\" + name));
-  EXPECT_EQ(store.subKeyNames(accounts), (std::vector<std::string>{"Alpha", "beta", "zeta"}));
+  EXPECT_EQ(store.subKeyNames(accounts), (std::vector<std::string>{"alpha", "Beta", "zeta"}));
   EXPECT_EQ(store.subKeyNames(accounts + R"(\BETA)"), std::vector<std::string>{"nested"});
   EXPECT_EQ(store.subKeyNames(R"(\SOFTWARE\Kestrova)"), std::vector<std::string>{"Lomarin for MySQL"});
   EXPECT_EQ(store.subKeyNames(""), std::vector<std::string>{"SOFTWARE"});
   EXPECT_TRUE(store.subKeyNames(accounts + R"(\missing)").empty());
 
   ASSERT_TRUE(store.deleteKey(accounts + R"(\beta)"));
-  EXPECT_EQ(store.subKeyNames(accounts), (std::vector<std::string>{"Alpha", "zeta"}));
+  EXPECT_EQ(store.subKeyNames(accounts), (std::vector<std::string>{"alpha", "zeta"}));
   EXPECT_EQ(store.readString("Login", "gone", accounts + R"(\beta\nested\deeper)"), "gone");
   ASSERT_TRUE(store.deleteKey(accounts));
   EXPECT_FALSE(store.deleteKey(accounts));
@@ -247,8 +240,7 @@ TEST_F(SettingsStoreTest, WritesOfOtherStoresAreSeenOnTheNextRead) {
 TEST_F(SettingsStoreTest, ConcurrentWritersInThreadsAndProcessesLoseNothing) {
   constexpr int kPerWriter = 300;
   SettingsStore{file_};  // created up front so that every writer opens an existing file
-  const auto writeMany = [&](const std::string& who) {
-    SettingsStore store(file_);
+  const auto writeMany = [](SettingsStore& store, const std::string& who) {
     int failures = 0;
     for (int i = 0; i < kPerWriter; ++i)
       failures += !store.writeString(who + std::to_string(i), std::to_string(i * 7), key::Options);
@@ -259,26 +251,36 @@ TEST_F(SettingsStoreTest, ConcurrentWritersInThreadsAndProcessesLoseNothing) {
   for (const char* who : {"fork-a ", "fork-b "}) {
     const pid_t pid = fork();
     ASSERT_NE(pid, -1);
-    if (pid == 0) _exit(writeMany(who) == 0 ? 0 : 1);
+    if (pid == 0) {
+      SettingsStore own(file_);
+      _exit(writeMany(own, who) == 0 ? 0 : 1);
+    }
     children.push_back(pid);
   }
-  int threadFailures[2] = {};
-  std::thread threadA([&] { threadFailures[0] = writeMany("thread-a "); });
-  std::thread threadB([&] { threadFailures[1] = writeMany("thread-b "); });
+  SettingsStore shared(file_);  // one object used by two threads at once
+  int threadFailures[3] = {};
+  std::thread threadA([&] { threadFailures[0] = writeMany(shared, "thread-a "); });
+  std::thread threadB([&] { threadFailures[1] = writeMany(shared, "thread-b "); });
+  std::thread threadC([&] {
+    SettingsStore own(file_);
+    threadFailures[2] = writeMany(own, "thread-c ");
+  });
   threadA.join();
   threadB.join();
+  threadC.join();
   for (const pid_t pid : children) {
     int status = 0;
     ASSERT_EQ(waitpid(pid, &status, 0), pid);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   }
-  EXPECT_EQ(threadFailures[0] + threadFailures[1], 0);
+  EXPECT_EQ(threadFailures[0] + threadFailures[1] + threadFailures[2], 0);
 
   SettingsStore store(file_);
-  EXPECT_EQ(store.valueNames(key::Options).size(), 4u * kPerWriter);
-  for (const char* who : {"fork-a ", "fork-b ", "thread-a ", "thread-b "})
+  EXPECT_EQ(store.valueNames(key::Options).size(), 5u * kPerWriter);
+  for (const char* who : {"fork-a ", "fork-b ", "thread-a ", "thread-b ", "thread-c "})
     for (int i = 0; i < kPerWriter; ++i)
-      ASSERT_EQ(store.readString(who + std::to_string(i), "lost", key::Options), std::to_string(i * 7)) << who << i;
+      ASSERT_EQ(store.readString(who + std::to_string(i), "lost", key::Options), std::to_string(i * 7))
+          << who << i;
 }
 
 TEST_F(SettingsStoreTest, DamagedFilesAreReportedAndLeftUntouched) {
@@ -312,7 +314,8 @@ TEST_F(SettingsStoreTest, DamagedFilesAreReportedAndLeftUntouched) {
 
   {
     SettingsStore store(file_);
-    for (int i = 0; i < 200; ++i) store.writeString("v" + std::to_string(i), std::string(100, 'x'), key::Options);
+    for (int i = 0; i < 200; ++i)
+      store.writeString("v" + std::to_string(i), std::string(100, 'x'), key::Options);
   }
   writeBytes(file_, std::string(4096, '\xff'), 4096);
   expectReported("corrupt pages");
@@ -369,7 +372,8 @@ TEST_F(SettingsStoreTest, DefaultFileFollowsTheEnvironment) {
     }
     for (const char* ignored : {"", "relative/dir"}) {
       ScopedEnv xdg("XDG_CONFIG_HOME", ignored);
-      EXPECT_EQ(SettingsStore::defaultFile(), "/home/someone/.config/Kestrova/Lomarin for MySQL/settings.sqlite");
+      EXPECT_EQ(SettingsStore::defaultFile(),
+                "/home/someone/.config/Kestrova/Lomarin for MySQL/settings.sqlite");
     }
   }
   ScopedEnv config("LOMARIN_CONFIG_DIR", (folder_ / "cfg").c_str());

@@ -12,7 +12,8 @@ namespace lomarin {
 namespace key {
 inline constexpr std::string_view Vendor = R"(\SOFTWARE\Kestrova\Lomarin for MySQL)";
 inline constexpr std::string_view Options = R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Options)";
-inline constexpr std::string_view QueryBuilder = R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Options\QueryBuilder)";
+inline constexpr std::string_view QueryBuilder =
+    R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Options\QueryBuilder)";
 inline constexpr std::string_view StartingUser = R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Starting\User)";
 inline constexpr std::string_view Accounts = R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Accounts)";
 }  // namespace key
@@ -55,7 +56,8 @@ inline constexpr BoolOption SqlTreeEnable{key::Options, "SQL Tree Enable", true}
 inline constexpr BoolOption ScriptExecutionOptime{key::Options, "Script Execution Optime ", false};
 inline constexpr BoolOption AllowMarkObject{key::Options, "Allow mark object in the SQL editor", false};
 inline constexpr StringOption SkinType{key::Options, "Skin Type", "1"};
-inline constexpr BoolOption LoadObjectsOnDatabaseChange{key::Options, "Load objects in database change", false};
+inline constexpr BoolOption LoadObjectsOnDatabaseChange{key::Options, "Load objects in database change",
+                                                        false};
 inline constexpr StringOption ProjectDirectory{key::Options, "Project Directory ", kNoDefault};
 inline constexpr StringOption MysqlBinDirectory{key::Options, "Mysql Bin Directory ", ""};
 inline constexpr StringOption BackupDirectory{key::Options, "Backup Directory ", kNoDefault};

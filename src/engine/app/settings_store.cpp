@@ -240,7 +240,8 @@ void SettingsStore::Impl::verify() {
   if (check.step() && check.text(0) != "ok") throw SettingsError(file, "damaged: " + check.text(0));
   const auto version = pragmaNumber(db, "PRAGMA user_version");
   const auto applicationId = pragmaNumber(db, "PRAGMA application_id");
-  if (version == 0 && applicationId == 0 && pragmaNumber(db, "SELECT count(*) FROM sqlite_schema") == 0) return;
+  if (version == 0 && applicationId == 0 && pragmaNumber(db, "SELECT count(*) FROM sqlite_schema") == 0)
+    return;
   if (applicationId != kApplicationId) throw SettingsError(file, "not a settings file");
   if (version > kSchemaVersion)
     throw SettingsError(file, "written by a newer version (schema " + std::to_string(version) + ")");
@@ -298,7 +299,8 @@ std::string SettingsStore::readString(std::string_view name, std::string_view de
         Transaction transaction(db, false);
         std::string result(def);
         if (const auto key = findKey(db, keyPath)) {
-          Statement query(db, "SELECT data FROM settings_value WHERE key_id = ?1 AND name = ?2 AND type = 'string'");
+          Statement query(
+              db, "SELECT data FROM settings_value WHERE key_id = ?1 AND name = ?2 AND type = 'string'");
           query.bind(1, *key).bind(2, name);
           if (query.step()) result = query.text(0);
         }
@@ -315,7 +317,8 @@ bool SettingsStore::readBool(std::string_view name, bool def, std::string_view k
         Transaction transaction(db, false);
         bool result = def;
         if (const auto key = findKey(db, keyPath)) {
-          Statement query(db, "SELECT data FROM settings_value WHERE key_id = ?1 AND name = ?2 AND type = 'integer'");
+          Statement query(
+              db, "SELECT data FROM settings_value WHERE key_id = ?1 AND name = ?2 AND type = 'integer'");
           query.bind(1, *key).bind(2, name);
           if (query.step()) result = query.integer(0) != 0;
         }
@@ -353,13 +356,17 @@ bool SettingsStore::writeBool(std::string_view name, bool flag, std::string_view
 
 std::vector<std::string> SettingsStore::subKeyNames(std::string_view keyPath) const {
   return impl_->guarded(
-      [&] { return listNames(impl_->db, keyPath, "SELECT name FROM settings_key WHERE parent = ?1 ORDER BY name"); },
+      [&] {
+        return listNames(impl_->db, keyPath, "SELECT name FROM settings_key WHERE parent = ?1 ORDER BY name");
+      },
       std::vector<std::string>());
 }
 
 std::vector<std::string> SettingsStore::valueNames(std::string_view keyPath) const {
   return impl_->guarded(
-      [&] { return listNames(impl_->db, keyPath, "SELECT name FROM settings_value WHERE key_id = ?1 ORDER BY id"); },
+      [&] {
+        return listNames(impl_->db, keyPath, "SELECT name FROM settings_value WHERE key_id = ?1 ORDER BY id");
+      },
       std::vector<std::string>());
 }
 
