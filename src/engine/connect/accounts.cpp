@@ -1,0 +1,190 @@
+#include "engine/connect/accounts.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <utility>
+
+#include "engine/app/option_names.h"
+#include "engine/app/settings_store.h"
+#include "engine/connect/accounts_cipher.h"
+
+namespace lomarin {
+
+namespace {
+
+constexpr std::string_view kSshPassword = "SSH Password";
+
+std::string keyOf(std::string_view name) {
+  std::string path(key::Accounts);
+  path += '\\';
+  path += name;
+  return path;
+}
+
+std::string flag(bool on) { return on ? "-1" : "0"; }
+
+int toInt(std::string_view text, int def) {
+  int value = 0;
+  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return ec == std::errc() && end == text.data() + text.size() ? value : def;
+}
+
+bool toFlag(std::string_view text) { return toInt(text, 0) != 0; }
+
+// The values of an account in the order they are written; the account list reads them by
+// position, so this order is part of the stored format.
+std::vector<std::pair<std::string_view, std::string>> storedValues(const TAccount& a) {
+  const bool ssh = a.UseSSH;
+  const bool php = a.UsePHP;
+  const auto onlyIf = [](bool on, const std::string& text) { return on ? text : std::string(); };
+  return {
+      {"Login", a.Login},
+      {"Password", encipher(a.Password)},
+      {"Server", a.Server},
+      {"Database Port", std::to_string(a.Port)},
+      {"Database Name", a.Database},
+      {"Show All Database", flag(a.ShowAllDatabases)},
+      {"Use SSH", flag(ssh)},
+      {"SSH Server", onlyIf(ssh, a.SSHServer)},
+      {"SSH Login", onlyIf(ssh, a.SSHLogin)},
+      {kSshPassword, ssh ? encipher(a.SSHPassword) : std::string()},
+      {"SSH Port", ssh ? std::to_string(a.SSHPort) : std::string("22")},
+      {"SSH To Port", onlyIf(ssh, a.SSHToPort)},
+      {"SSH Forward", onlyIf(ssh, a.SSHForward)},
+      {"Client charset", a.ClientCharset},
+      {"Font charset", a.FontCharset},
+      {"Direct Connection", flag(a.Direct)},
+      {"Use SSL", flag(a.UseSSL)},
+      {"Client key", a.SSLKey},
+      {"Certificate authority file", a.SSLCACert},
+      {"Certificate file", a.SSLCert},
+      {"Chipher list", a.SSLCipherList},
+      {"Unicode", flag(a.Unicode)},
+      {"Compression", flag(a.Compression)},
+      {"Timeout", std::to_string(a.Timeout)},
+      {"Font format", a.FontFormat},
+      {"Font encoding", a.FontEncoding},
+      {"SSH Client Key", onlyIf(ssh, a.SSHClientKey)},
+      {"Use PHP", flag(php)},
+      {"PHP url", onlyIf(php, a.PHPUrl)},
+      {"PHP Proxy host", onlyIf(php, a.ProxyHost)},
+      {"PHP Proxy login", onlyIf(php, a.ProxyLogin)},
+      {"PHP Proxy password", php ? encipher(a.ProxyPassword) : std::string()},
+      {"PHP Proxy port", php ? std::to_string(a.ProxyPort) : std::string("808")},
+  };
+}
+
+}  // namespace
+
+bool TAccountStore::exists(std::string_view name) const {
+  for (const auto& existing : names())
+    if (existing.size() == name.size() &&
+        std::equal(existing.begin(), existing.end(), name.begin(),
+                   [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) ==
+                                               std::tolower(static_cast<unsigned char>(b)); }))
+      return true;
+  return false;
+}
+
+std::vector<std::string> TAccountStore::names() const { return settings_.subKeyNames(key::Accounts); }
+
+std::vector<TAccountListRow> TAccountStore::list() const {
+  std::vector<TAccountListRow> rows;
+  for (const auto& name : names()) {
+    const std::string path = keyOf(name);
+    std::vector<std::string> values;
+    for (const auto& valueName : settings_.valueNames(path))
+      values.push_back(settings_.readString(valueName, "", path));
+    const auto at = [&](size_t i) { return i < values.size() ? values[i] : std::string(); };
+    rows.push_back({name, at(0), at(2), at(4), values.size() > 6 && values[6] == "-1"});
+  }
+  return rows;
+}
+
+std::optional<TAccount> TAccountStore::load(std::string_view name) const {
+  if (!exists(name)) return std::nullopt;
+  const std::string path = keyOf(name);
+  const TAccount defaults;
+  const auto text = [&](std::string_view value, const std::string& def) {
+    return settings_.readString(value, def, path);
+  };
+  const auto number = [&](std::string_view value, int def) { return toInt(text(value, ""), def); };
+  const auto on = [&](std::string_view value, bool def) { return toFlag(text(value, flag(def))); };
+
+  TAccount a;
+  a.Login = text("Login", "");
+  a.Password = decipher(text("Password", ""));
+  a.Server = text("Server", "");
+  a.Port = number("Database Port", defaults.Port);
+  a.Database = text("Database Name", "");
+  a.ShowAllDatabases = on("Show All Database", defaults.ShowAllDatabases);
+  a.UseSSH = on("Use SSH", false);
+  a.SSHServer = text("SSH Server", "");
+  a.SSHLogin = text("SSH Login", "");
+  a.SSHPassword = decipher(text(kSshPassword, ""));
+  a.SSHPort = number("SSH Port", defaults.SSHPort);
+  a.SSHToPort = text("SSH To Port", defaults.SSHToPort);
+  a.SSHForward = text("SSH Forward", defaults.SSHForward);
+  a.SSHClientKey = text("SSH Client Key", "");
+  a.ClientCharset = text("Client charset", defaults.ClientCharset);
+  a.FontCharset = text("Font charset", defaults.FontCharset);
+  a.Direct = on("Direct Connection", defaults.Direct);
+  a.UseSSL = on("Use SSL", false);
+  a.SSLKey = text("Client key", "");
+  a.SSLCACert = text("Certificate authority file", "");
+  a.SSLCert = text("Certificate file", "");
+  a.SSLCipherList = text("Chipher list", "");
+  a.Unicode = on("Unicode", defaults.Unicode);
+  a.Compression = on("Compression", defaults.Compression);
+  a.Timeout = number("Timeout", defaults.Timeout);
+  a.FontFormat = text("Font format", defaults.FontFormat);
+  a.FontEncoding = text("Font encoding", defaults.FontEncoding);
+  a.UsePHP = on("Use PHP", false);
+  a.PHPUrl = text("PHP url", "");
+  a.ProxyHost = text("PHP Proxy host", "");
+  a.ProxyLogin = text("PHP Proxy login", "");
+  a.ProxyPassword = decipher(text("PHP Proxy password", ""));
+  a.ProxyPort = number("PHP Proxy port", defaults.ProxyPort);
+  return a;
+}
+
+bool TAccountStore::add(std::string_view name, const TAccount& account) {
+  if (name.empty() || exists(name)) return false;
+  return save(name, account);
+}
+
+bool TAccountStore::save(std::string_view name, const TAccount& account) {
+  const std::string path = keyOf(name);
+  for (const auto& [valueName, text] : storedValues(account))
+    if (!settings_.writeString(valueName, text, path)) return false;
+  return true;
+}
+
+bool TAccountStore::remove(std::string_view name) { return settings_.deleteKey(keyOf(name)); }
+
+bool TAccountStore::migrateSshPasswords() {
+  if (settings_.read(opt::EncryptSsh) != "0") return false;
+  for (const auto& name : names()) {
+    const std::string path = keyOf(name);
+    const std::string plain = settings_.readString(kSshPassword, "", path);
+    if (!plain.empty()) settings_.writeString(kSshPassword, encipher(plain), path);
+  }
+  settings_.write(opt::EncryptSsh, "1");
+  return true;
+}
+
+bool ensureLocalSandboxAccount(SettingsStore& settings, const std::string& host, int port,
+                               const std::string& user, const std::string& password,
+                               const std::string& database) {
+  TAccount account;
+  account.Server = host;
+  account.Port = port;
+  account.Login = user;
+  account.Password = password;
+  account.Database = database;
+  account.ShowAllDatabases = true;
+  return TAccountStore(settings).add(kLocalSandboxAccount, account);
+}
+
+}  // namespace lomarin
