@@ -77,6 +77,7 @@ class TMyConnection {
 
  private:
   friend class TMyQuery;
+  friend void AppendEscapedString(TMyConnection&, std::string_view, std::string&);
   std::unique_ptr<Impl> d;
 };
 
