@@ -1,0 +1,226 @@
+#include "engine/sqleditor/my_script.h"
+
+#include <strings.h>
+
+#include <cctype>
+#include <cstring>
+#include <streambuf>
+
+#include "engine/connect/kill_query.h"
+#include "engine/connect/my_query.h"
+#include "engine/sqleditor/statement_splitter.h"
+
+namespace lomarin {
+
+namespace {
+
+constexpr unsigned kQueryInterrupted = 1317;
+constexpr size_t kBatchBytes = size_t{1} << 20;
+
+// Lets the splitter read SQL in place.
+class ViewBuf : public std::streambuf {
+ public:
+  explicit ViewBuf(std::string& text) { setg(text.data(), text.data(), text.data() + text.size()); }
+};
+
+// Skips blanks and comments at the start of a statement.
+std::string_view leadingCode(std::string_view s) {
+  for (;;) {
+    while (!s.empty() && static_cast<unsigned char>(s.front()) <= ' ') s.remove_prefix(1);
+    if (s.starts_with("#") || (s.starts_with("--") && (s.size() == 2 || static_cast<unsigned char>(s[2]) <= ' '))) {
+      const size_t nl = s.find('\n');
+      s = nl == std::string_view::npos ? std::string_view{} : s.substr(nl + 1);
+    } else if (s.starts_with("/*") && !s.starts_with("/*!") && !s.starts_with("/*M!")) {
+      const size_t close = s.find("*/", 2);
+      s = close == std::string_view::npos ? std::string_view{} : s.substr(close + 2);
+    } else {
+      return s;
+    }
+  }
+}
+
+bool startsWithWord(std::string_view s, std::string_view word) {
+  return s.size() >= word.size() && strncasecmp(s.data(), word.data(), word.size()) == 0 &&
+         (s.size() == word.size() || !std::isalnum(static_cast<unsigned char>(s[word.size()])));
+}
+
+// A statement may share a multi-statement request when the server cannot read past its end
+// differently from the splitter: a line comment on its last line would swallow the separator,
+// and a CALL answers with a number of results that cannot be told in advance.
+bool batchable(std::string_view statement, std::string_view delimiter) {
+  if (delimiter != ";") return false;
+  const size_t lastLine = statement.rfind('\n');
+  const std::string_view tail = lastLine == std::string_view::npos ? statement : statement.substr(lastLine + 1);
+  if (std::memchr(tail.data(), '#', tail.size()) || tail.find("--") != std::string_view::npos) return false;
+  return !startsWithWord(leadingCode(statement), "CALL");
+}
+
+bool isSyntaxError(const ServerError& error) { return error.number() == 1064 || error.number() == 1149; }
+
+}  // namespace
+
+// One run: splits, batches, sends and reports.
+class TMyScript::Runner {
+ public:
+  Runner(TMyScript& script, std::istream& in, uint64_t total)
+      : script_(script), splitter_(in, script.Delimiter), total_(total) {}
+
+  void run() {
+    std::string statement;
+    while (!script_.stopped_ && splitter_.next(statement)) {
+      if (!script_.Macros.empty()) statement = ExpandMacros(statement, script_.Macros);
+      if (script_.UseOptimization && batchable(statement, splitter_.delimiter())) {
+        if (batchBytes_ + statement.size() > kBatchBytes) flushBatch();
+        batchBytes_ += statement.size() + 2;
+        batch_.push_back(std::move(statement));
+        statement.clear();
+      } else {
+        flushBatch();
+        if (!script_.stopped_) runSingle(statement);
+      }
+      progress();
+    }
+    flushBatch();
+    progress();
+  }
+
+ private:
+  void progress() {
+    if (script_.OnProgress) script_.OnProgress(splitter_.position(), total_);
+  }
+
+  void runSingle(const std::string& statement) {
+    if (!script_.beginStatement()) return;
+    try {
+      TMyQuery query(script_.session_);
+      query.SQL = statement;
+      query.Execute();
+    } catch (const ServerError& error) {
+      script_.endStatement();
+      report(statement, error);
+      return;
+    }
+    script_.endStatement();
+  }
+
+  // Sends the batch; when statement k fails the server stops there, so k is reported and the
+  // statements after it are sent again.
+  void flushBatch() {
+    size_t first = 0;
+    while (first < batch_.size() && !script_.stopped_) {
+      if (batch_.size() - first == 1) {
+        runSingle(batch_[first]);
+        break;
+      }
+      if (!script_.beginStatement()) break;
+      size_t done = 0;
+      try {
+        TMyQuery query(script_.session_);
+        // Fetching each result whole hands the connection back cleanly after the last one.
+        query.UniDirectional = false;
+        query.FetchAll = true;
+        query.SQL = joined(first);
+        query.Open();
+        for (done = 1; query.NextResult();) ++done;
+        script_.endStatement();
+        break;
+      } catch (const ServerError& error) {
+        script_.endStatement();
+        const std::string& failed = batch_[first + done];
+        // A syntax error quotes the text after the error point, which in a batch runs into the
+        // next statements; the statement alone has no effect and gives its own message.
+        if (isSyntaxError(error) && !script_.stopped_)
+          runSingle(failed);
+        else
+          report(failed, error);
+        first += done + 1;
+      }
+    }
+    batch_.clear();
+    batchBytes_ = 0;
+  }
+
+  std::string joined(size_t first) const {
+    std::string request;
+    request.reserve(batchBytes_);
+    for (size_t i = first; i < batch_.size(); ++i) {
+      if (i > first) request += ";\n";
+      request += batch_[i];
+    }
+    return request;
+  }
+
+  void report(const std::string& statement, const ServerError& error) {
+    if (script_.stopRequested()) {
+      script_.stopped_ = true;
+      if (error.number() == kQueryInterrupted) return;
+    }
+    TErrorAction action = TErrorAction::eaFail;
+    if (script_.OnError) script_.OnError(error, statement, action);
+    if (action == TErrorAction::eaFail) throw error;
+  }
+
+  TMyScript& script_;
+  TStatementSplitter splitter_;
+  uint64_t total_;
+  std::vector<std::string> batch_;
+  size_t batchBytes_ = 0;
+};
+
+TMyScript::TMyScript(TMyConnection& session) : session_(session) {}
+
+void TMyScript::Execute() {
+  ViewBuf buf(SQL);
+  std::istream in(&buf);
+  Execute(in, SQL.size());
+}
+
+void TMyScript::Execute(std::istream& in, uint64_t total) {
+  {
+    std::lock_guard lock(mutex_);
+    stopRequested_ = false;
+    killSettings_ = session_.Settings;
+  }
+  stopped_ = false;
+  Runner runner(*this, in, total);
+  if (!UseOptimization) {
+    runner.run();
+    return;
+  }
+  TMyConnection::MultiStatements batches(session_);
+  runner.run();
+}
+
+bool TMyScript::beginStatement() {
+  std::lock_guard lock(mutex_);
+  if (stopRequested_) {
+    stopped_ = true;
+    return false;
+  }
+  inFlight_ = true;
+  threadId_ = session_.ThreadId();
+  return true;
+}
+
+void TMyScript::endStatement() {
+  std::lock_guard lock(mutex_);
+  inFlight_ = false;
+}
+
+bool TMyScript::stopRequested() {
+  std::lock_guard lock(mutex_);
+  return stopRequested_;
+}
+
+void TMyScript::BreakExec() {
+  std::lock_guard lock(mutex_);
+  stopRequested_ = true;
+  if (!inFlight_) return;
+  try {
+    KillQuery(killSettings_, threadId_);
+  } catch (const ServerError&) {
+    // The statement ends by itself; the flag still stops the run after it.
+  }
+}
+
+}  // namespace lomarin

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <istream>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "engine/connect/my_connection.h"
+#include "engine/sqleditor/macros.h"
+
+namespace lomarin {
+
+enum class TErrorAction { eaFail, eaContinue };
+
+// Runs a script statement by statement on a session. Without an OnError handler (or when the
+// handler leaves the action at eaFail) the first failing statement ends the run by throwing its
+// ServerError.
+class TMyScript {
+ public:
+  using ErrorHandler = std::function<void(const ServerError& error, const std::string& statement, TErrorAction& action)>;
+  // Bytes of the script done so far and its size (0 when unknown).
+  using ProgressHandler = std::function<void(uint64_t done, uint64_t total)>;
+
+  explicit TMyScript(TMyConnection& session);
+  TMyScript(const TMyScript&) = delete;
+  TMyScript& operator=(const TMyScript&) = delete;
+
+  std::string SQL;
+  std::string Delimiter = ";";
+  // Consecutive statements travel in multi-statement requests: fewer round trips, and each
+  // statement still runs (and commits) on its own.
+  bool UseOptimization = false;
+  ErrorHandler OnError;
+  ProgressHandler OnProgress;
+  // Values for the "&name" macros of each statement.
+  TMacros Macros;
+
+  void Execute();
+  // Runs the script read from `in`, `total` bytes long, without holding it in memory.
+  void Execute(std::istream& in, uint64_t total);
+
+  // Any thread: no further statement starts, and the one in progress is interrupted.
+  void BreakExec();
+  // The last run ended because of BreakExec.
+  bool Stopped() const { return stopped_; }
+
+ private:
+  class Runner;
+
+  bool beginStatement();
+  void endStatement();
+  bool stopRequested();
+
+  TMyConnection& session_;
+  std::mutex mutex_;
+  bool stopRequested_ = false;
+  bool inFlight_ = false;
+  TMySessionSettings killSettings_;
+  unsigned long threadId_ = 0;
+  bool stopped_ = false;
+};
+
+}  // namespace lomarin

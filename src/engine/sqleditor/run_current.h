@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace lomarin {
+
+// The lines from `start` up to (not including) the first blank one, each preceded by "\n\r".
+std::string CollectStatementBlock(const std::vector<std::string>& lines, int start);
+
+// What "run current statement" does for the caret on line caretLine.
+struct TRunCurrentPlan {
+  int StartLine = 0;
+  std::string Text;   // to run
+  int CaretLine = 0;  // where the caret goes afterwards (column 0)
+  int MarkerY = 0;    // where the "executed" marker is drawn (x = 10)
+};
+TRunCurrentPlan PlanRunCurrent(const std::vector<std::string>& lines, int caretLine);
+
+}  // namespace lomarin

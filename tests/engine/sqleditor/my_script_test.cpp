@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "engine/connect/my_query.h"
+#include "engine/connect/sql_monitor.h"
+#include "engine/sqleditor/my_script.h"
+#include "engine/sqleditor/script_services.h"
+#include "test_server.h"
+
+namespace lomarin {
+namespace {
+
+// Statements the session sent, as the monitor traced them, without the time stamp.
+struct SentLog {
+  explicit SentLog(TMyConnection& session) {
+    monitor.addListener([this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
+    session.setMonitor(&monitor);
+  }
+  TMySQLMonitor monitor;
+  std::vector<std::string> sent;
+};
+
+const std::string kThreeStatements =
+    "create table t3 (a int primary key);\n"
+    "insert into t3 values (1), (1);\n"
+    "insert into t3 values (2);\n";
+
+std::string runThree(bool optimize, std::vector<std::string>* sent = nullptr) {
+  test::sideExec("DROP DATABASE IF EXISTS script_three");
+  auto session = test::connect("script_three");
+  SentLog log(*session);
+  std::string errors;
+  TMyScript script(*session);
+  script.SQL = kThreeStatements;
+  script.UseOptimization = optimize;
+  script.OnError = CollectScriptErrors(errors);
+  script.Execute();
+  if (sent) *sent = log.sent;
+  EXPECT_EQ(test::scalar(*session, "select group_concat(a order by a) from t3"), "2");
+  return errors;
+}
+
+TEST(MyScript, FailingStatementIsCollectedAndTheRestRuns) {
+  std::vector<std::string> sent;
+  const std::string expected = "insert into t3 values (1), (1)\rDuplicate entry '1' for key 'PRIMARY'\n";
+  EXPECT_EQ(runThree(false, &sent), expected);
+  EXPECT_EQ(sent, (std::vector<std::string>{"create table t3 (a int primary key)", "insert into t3 values (1), (1)",
+                                            "insert into t3 values (2)"}));
+  // Batched: the second statement stops the batch, is reported alone, and the third is sent again.
+  EXPECT_EQ(runThree(true, &sent), expected);
+  ASSERT_EQ(sent.size(), 2u);
+  EXPECT_EQ(sent[0], "create table t3 (a int primary key);\ninsert into t3 values (1), (1);\ninsert into t3 values (2)");
+  EXPECT_EQ(sent[1], "insert into t3 values (2)");
+}
+
+TEST(MyScript, SyntaxErrorsReadTheSameBatchedOrNot) {
+  auto run = [](bool optimize) {
+    auto session = test::connect();
+    std::string errors;
+    TMyScript script(*session);
+    script.SQL = "select 1;\nselect * from;\nselect 2;\nselect (3;";
+    script.UseOptimization = optimize;
+    script.OnError = CollectScriptErrors(errors);
+    script.Execute();
+    return errors;
+  };
+  const std::string plain = run(false);
+  EXPECT_NE(plain.find("select * from\r"), std::string::npos);
+  EXPECT_NE(plain.find("select (3\r"), std::string::npos);
+  EXPECT_EQ(run(true), plain);
+}
+
+TEST(MyScript, WithoutHandlerTheFirstErrorEndsTheRun) {
+  auto session = test::connect();
+  ExecScriptText(*session, "drop table if exists t_stop");
+  std::string reported;
+  EXPECT_FALSE(ExecScriptText(*session, "create table t_stop (a int); insert into nowhere values (1); drop table t_stop",
+                              [&](const ServerError& e) { reported = e.message(); }));
+  EXPECT_EQ(reported, "Table 'lomarin_test.nowhere' doesn't exist");
+  EXPECT_EQ(test::scalar(*session, "select count(*) from information_schema.tables where table_name = 't_stop'"), "1");
+  EXPECT_TRUE(ExecScriptText(*session, "drop table t_stop;"));
+}
+
+TEST(MyScript, DelimiterBlocksAndMacros) {
+  auto session = test::connect();
+  SentLog log(*session);
+  TMyScript script(*session);
+  script.SQL =
+      "DROP PROCEDURE IF EXISTS p_two;\n"
+      "DELIMITER $$\n"
+      "CREATE PROCEDURE p_two()\nBEGIN\n  SELECT &a;\n  SELECT '&a';\nEND$$\n"
+      "DELIMITER ;\n"
+      "CALL p_two();";
+  script.Macros = {{"a", "42"}};
+  script.UseOptimization = true;
+  script.Execute();
+  EXPECT_EQ(log.sent, (std::vector<std::string>{
+                          "DROP PROCEDURE IF EXISTS p_two",
+                          "CREATE PROCEDURE p_two()\r\nBEGIN\r\n  SELECT 42;\r\n  SELECT '&a';\r\nEND",
+                          "CALL p_two()",
+                      }));
+}
+
+TEST(MyScript, ProgressReachesTheTotal) {
+  auto session = test::connect();
+  TMyScript script(*session);
+  script.SQL = "select 1;\nselect 2;\n";
+  std::vector<uint64_t> done;
+  script.OnProgress = [&](uint64_t d, uint64_t total) {
+    EXPECT_EQ(total, script.SQL.size());
+    done.push_back(d);
+  };
+  script.Execute();
+  ASSERT_FALSE(done.empty());
+  EXPECT_EQ(done.back(), script.SQL.size());
+  EXPECT_TRUE(std::is_sorted(done.begin(), done.end()));
+}
+
+TEST(MyScript, BreakExecStopsBetweenStatements) {
+  auto session = test::connect();
+  SentLog log(*session);
+  TMyScript script(*session);
+  script.SQL = "select 1; select 2; select 3;";
+  script.OnProgress = [&](uint64_t, uint64_t) {
+    if (log.sent.size() == 1) script.BreakExec();
+  };
+  script.Execute();
+  EXPECT_TRUE(script.Stopped());
+  EXPECT_EQ(log.sent, std::vector<std::string>{"select 1"});
+}
+
+TEST(MyScript, BreakExecInterruptsTheStatementInProgress) {
+  for (bool optimize : {false, true}) {
+    auto session = test::connect();
+    SentLog log(*session);
+    TMyScript script(*session);
+    script.SQL = "select 1; SELECT SLEEP(30); select 3;";
+    script.UseOptimization = optimize;
+    std::string errors;
+    script.OnError = CollectScriptErrors(errors);
+    std::thread stopper([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      script.BreakExec();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    script.Execute();
+    const auto took = std::chrono::steady_clock::now() - start;
+    stopper.join();
+    EXPECT_LT(took, std::chrono::milliseconds(1300)) << optimize;
+    EXPECT_TRUE(script.Stopped());
+    EXPECT_EQ(errors, "");
+    // Batched, "select 3" travels with the sleep; one by one it is never sent.
+    if (!optimize) {
+      EXPECT_EQ(log.sent, (std::vector<std::string>{"select 1", "SELECT SLEEP(30)"}));
+    }
+    EXPECT_EQ(test::scalar(*session, "select 5"), "5");
+  }
+}
+
+}  // namespace
+}  // namespace lomarin
