@@ -1,0 +1,204 @@
+#include "engine/transfer/dump_catalog.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+
+#include "engine/connect/my_query.h"
+#include "engine/transfer/my_dump.h"
+#include "engine/transfer/sql_text.h"
+
+namespace lomarin {
+
+namespace {
+
+std::string lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+std::string trimmed(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+bool contains(const std::string& text, std::string_view part) { return text.find(part) != std::string::npos; }
+
+}  // namespace
+
+TDumpCatalog::TDumpCatalog(TMyConnection& connection, std::string database, bool quoteNames)
+    : connection_(connection), database_(std::move(database)), quoteNames_(quoteNames) {}
+
+std::string TDumpCatalog::name(const std::string& object) const { return ScriptName(object, quoteNames_); }
+
+std::string TDumpCatalog::qualified(const std::string& object) const {
+  return ScriptName(database_, quoteNames_) + "." + name(object);
+}
+
+std::vector<std::vector<std::string>> TDumpCatalog::rows(const std::string& sql,
+                                                         const std::vector<std::string>& columns) {
+  TMyQuery query(connection_);
+  query.SQL = sql;
+  query.Open();
+  std::vector<int> index;
+  for (const auto& column : columns) {
+    index.push_back(query.FieldIndex(column));
+    if (index.back() < 0) throw DumpError("Column " + column + " missing from the result of " + sql);
+  }
+  if (columns.empty()) index.push_back(0);
+  std::vector<std::vector<std::string>> result;
+  while (query.Next()) {
+    auto& row = result.emplace_back();
+    for (int i : index) row.emplace_back(query.Value(static_cast<size_t>(i)));
+  }
+  return result;
+}
+
+std::string TDumpCatalog::cell(const std::string& sql, size_t column) {
+  TMyQuery query(connection_);
+  query.SQL = sql;
+  query.Open();
+  if (!query.Next() || column >= query.Fields().size() || query.IsNull(column))
+    throw DumpError("No definition returned by " + sql);
+  return std::string(query.Value(column));
+}
+
+std::vector<TDumpCatalog::Table> TDumpCatalog::tables() {
+  TMyQuery query(connection_);
+  query.SQL = "SHOW TABLE STATUS FROM " + ScriptName(database_, quoteNames_);
+  query.Open();
+  const int nameColumn = query.FieldIndex("Name");
+  const int engineColumn = query.FieldIndex("Engine");
+  std::vector<Table> result;
+  while (query.Next())
+    result.push_back({std::string(query.Value(static_cast<size_t>(nameColumn))),
+                      query.IsNull(static_cast<size_t>(engineColumn))});
+  return result;
+}
+
+std::string TDumpCatalog::createTable(const std::string& table) {
+  return cell("SHOW CREATE TABLE " + qualified(table), 1);
+}
+
+std::vector<TDumpCatalog::Column> TDumpCatalog::columns(const std::string& table) {
+  std::vector<Column> result;
+  for (auto& row : rows("SHOW COLUMNS FROM " + qualified(table), {"Field", "Extra"})) {
+    const std::string extra = lower(row[1]);
+    // MariaDB says "VIRTUAL GENERATED" / "STORED GENERATED" (older: "PERSISTENT"), MySQL adds GENERATED too.
+    const bool generated = contains(extra, "generated") || contains(extra, "persistent") ||
+                           extra == "virtual" || contains(extra, "virtual ");
+    result.push_back({std::move(row[0]), generated});
+  }
+  return result;
+}
+
+uint64_t TDumpCatalog::rowCount(const std::string& table) {
+  const std::string text = cell("SELECT COUNT(*) FROM " + qualified(table), 0);
+  uint64_t count = 0;
+  std::from_chars(text.data(), text.data() + text.size(), count);
+  return count;
+}
+
+std::vector<std::string> TDumpCatalog::routineNames() {
+  std::vector<std::string> names;
+  const std::string condition = " where lower(db) = lower(" + QuotedString(connection_, database_) + ")";
+  for (const char* kind : {"PROCEDURE", "FUNCTION"}) {
+    for (auto& row : rows(std::string("SHOW ") + kind + " STATUS " + condition, {"Name"}))
+      if (std::find(names.begin(), names.end(), row[0]) == names.end()) names.push_back(std::move(row[0]));
+  }
+  return names;
+}
+
+std::vector<std::string> TDumpCatalog::routineKinds(const std::string& routine) {
+  const std::string name = QuotedString(connection_, routine);
+  const std::string db = QuotedString(connection_, lower(database_));
+  // MySQL 8 dropped mysql.proc; MariaDB reports major version 5 through its handshake prefix.
+  const std::string sql =
+      connection_.ServerMajorVersion() >= 8
+          ? "SELECT ROUTINE_TYPE FROM information_schema.ROUTINES WHERE (ROUTINE_NAME = " + name +
+                ") AND (LOWER(ROUTINE_SCHEMA) = " + db + ")"
+          : "SELECT type FROM mysql.proc WHERE (name = " + name + ") AND (LOWER(db) = " + db + ")";
+  std::vector<std::string> kinds;
+  for (auto& row : rows(sql, {})) kinds.push_back(std::move(row[0]));
+  return kinds;
+}
+
+std::string TDumpCatalog::createRoutine(const std::string& kind, const std::string& routine) {
+  return cell("SHOW CREATE " + kind + " " + qualified(routine), 2);
+}
+
+std::vector<std::string> TDumpCatalog::triggerNames() {
+  std::vector<std::string> names;
+  for (auto& row : rows("SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_), {})) names.push_back(std::move(row[0]));
+  return names;
+}
+
+std::vector<TDumpCatalog::Trigger> TDumpCatalog::trigger(const std::string& trigger) {
+  std::vector<Trigger> result;
+  const std::string sql = "SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_) +
+                          " WHERE `trigger` = " + QuotedString(connection_, trigger);
+  for (auto& row : rows(sql, {"Trigger", "Timing", "Event", "Table", "Statement"}))
+    result.push_back({std::move(row[0]), std::move(row[1]), std::move(row[2]), std::move(row[3]), std::move(row[4])});
+  return result;
+}
+
+std::vector<std::string> TDumpCatalog::eventNames() {
+  std::vector<std::string> names;
+  for (auto& row : rows("SHOW EVENTS FROM " + ScriptName(database_, quoteNames_), {"Name"})) names.push_back(std::move(row[0]));
+  return names;
+}
+
+std::string TDumpCatalog::createEvent(const std::string& event) {
+  return cell("SHOW CREATE EVENT " + qualified(event), 3);
+}
+
+std::vector<std::string> SplitNames(const std::string& list, const std::string& database) {
+  std::vector<std::string> names;
+  const std::string suffix = "." + database;
+  size_t start = 0;
+  while (start <= list.size()) {
+    size_t end = list.find(',', start);
+    if (end == std::string::npos) end = list.size();
+    std::string name = trimmed(std::string_view(list).substr(start, end - start));
+    if (!database.empty() && name.size() > suffix.size() && name.ends_with(suffix))
+      name.resize(name.size() - suffix.size());
+    if (!name.empty()) names.push_back(std::move(name));
+    start = end + 1;
+  }
+  return names;
+}
+
+std::vector<size_t> ViewOrder(const std::vector<std::string>& names, const std::vector<std::string>& createTexts) {
+  const size_t n = names.size();
+  // uses[i][j]: view i reads view j. The server writes every table reference back-quoted.
+  std::vector<std::vector<bool>> uses(n, std::vector<bool>(n, false));
+  for (size_t i = 0; i < n; ++i)
+    for (size_t j = 0; j < n; ++j)
+      uses[i][j] = i != j && createTexts[i].find(ScriptName(names[j], true)) != std::string::npos;
+  std::vector<size_t> order;
+  std::vector<bool> placed(n, false);
+  while (order.size() < n) {
+    bool progress = false;
+    for (size_t i = 0; i < n; ++i) {
+      if (placed[i]) continue;
+      bool ready = true;
+      for (size_t j = 0; j < n && ready; ++j) ready = !uses[i][j] || placed[j];
+      if (!ready) continue;
+      placed[i] = true;
+      order.push_back(i);
+      progress = true;
+    }
+    if (progress) continue;
+    // A false match (a column named like a view) can look like a cycle: keep the listed order.
+    for (size_t i = 0; i < n; ++i)
+      if (!placed[i]) {
+        placed[i] = true;
+        order.push_back(i);
+        break;
+      }
+  }
+  return order;
+}
+
+}  // namespace lomarin

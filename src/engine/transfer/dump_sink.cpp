@@ -1,0 +1,85 @@
+#include "engine/transfer/dump_sink.h"
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace lomarin {
+
+namespace {
+
+[[noreturn]] void failOn(const std::filesystem::path& file, const char* what) {
+  throw std::runtime_error(std::string("Cannot ") + what + " " + file.string() + ": " + std::strerror(errno));
+}
+
+void writeAll(std::FILE* stream, std::string_view text, const std::filesystem::path& file) {
+  if (!text.empty() && std::fwrite(text.data(), 1, text.size(), stream) != text.size())
+    failOn(file, "write");
+}
+
+}  // namespace
+
+TLinesDumpSink::~TLinesDumpSink() { flush(); }
+
+void TLinesDumpSink::write(std::string_view text) {
+  for (size_t end; (end = text.find("\r\n")) != std::string_view::npos; text.remove_prefix(end + 2)) {
+    partial_.append(text.substr(0, end));
+    lines_.push_back(std::move(partial_));
+    partial_.clear();
+  }
+  partial_.append(text);
+}
+
+void TLinesDumpSink::flush() {
+  if (partial_.empty()) return;
+  lines_.push_back(std::move(partial_));
+  partial_.clear();
+}
+
+void TStreamDumpSink::write(std::string_view text) { writeAll(stream_, text, "standard output"); }
+
+TFileDumpSink::TFileDumpSink(std::filesystem::path file)
+    : file_(std::move(file)), temp_(file_.string() + ".tmp"), buffer_(1 << 20) {
+  stream_ = std::fopen(temp_.c_str(), "wb");
+  if (!stream_) failOn(temp_, "create");
+  std::setvbuf(stream_, buffer_.data(), _IOFBF, buffer_.size());
+}
+
+TFileDumpSink::~TFileDumpSink() {
+  if (!stream_) return;
+  std::fclose(stream_);
+  std::error_code ignored;
+  std::filesystem::remove(temp_, ignored);
+}
+
+void TFileDumpSink::write(std::string_view text) {
+  if (!stream_) throw std::logic_error("dump file already committed");
+  writeAll(stream_, text, temp_);
+}
+
+void TFileDumpSink::commit() {
+  if (!stream_) return;
+  const bool flushed = std::fflush(stream_) == 0 && fsync(fileno(stream_)) == 0;
+  std::FILE* stream = stream_;
+  stream_ = nullptr;
+  if (std::fclose(stream) != 0 || !flushed) {
+    const int error = errno;
+    std::error_code ignored;
+    std::filesystem::remove(temp_, ignored);
+    errno = error;
+    failOn(temp_, "write");
+  }
+  std::error_code renamed;
+  std::filesystem::rename(temp_, file_, renamed);
+  if (renamed) {
+    std::error_code ignored;
+    std::filesystem::remove(temp_, ignored);
+    throw std::runtime_error("Cannot rename " + temp_.string() + " to " + file_.string() + ": " +
+                             renamed.message());
+  }
+}
+
+}  // namespace lomarin
