@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli_options.h"
+#include "exec_command.h"
 #include "query_command.h"
 
 namespace {
@@ -13,6 +14,7 @@ void usage(std::FILE* to) {
                "usage: lomarin-cli COMMAND [options] ARGUMENTS\n"
                "commands:\n"
                "  query STATEMENT   print one statement's result as tab-separated rows\n"
+               "  exec FILE         run a script; --optimize sends statements in batches\n"
                "connection options: --host --port --user --password --database --socket\n"
                "                    --ssl --ssl-ca --ssl-cert --ssl-key --ssl-cipher --compress\n"
                "                    --default-character-set\n");
@@ -33,6 +35,7 @@ int main(int argc, char** argv) {
   try {
     const auto args = lomarin::cli::parseArgs(std::vector<std::string>(argv + 2, argv + argc));
     if (command == "query") return lomarin::cli::runQuery(args, stdout, stderr);
+    if (command == "exec") return lomarin::cli::runExec(args, stderr);
   } catch (const std::invalid_argument& error) {
     std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
     return 2;

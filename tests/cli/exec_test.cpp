@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "cli_options.h"
+#include "engine/connect/my_query.h"
+#include "exec_command.h"
+#include "test_server.h"
+
+namespace lomarin::cli {
+namespace {
+
+std::string slurp(std::FILE* f) {
+  std::rewind(f);
+  std::string text;
+  char buf[4096];
+  for (size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
+  return text;
+}
+
+std::filesystem::path writeScript(const std::string& name, const std::string& text) {
+  const auto path = std::filesystem::temp_directory_path() / name;
+  std::ofstream(path, std::ios::binary) << text;
+  return path;
+}
+
+std::vector<std::string> execArgs(const std::string& database, const std::string& file, bool optimize) {
+  const auto s = test::serverSettings();
+  std::vector<std::string> args = {"--host", s.Server, "--port", std::to_string(s.Port), "--user", s.Username,
+                                   "--password", s.Password, "--database", database, file};
+  if (optimize) args.push_back("--optimize");
+  return args;
+}
+
+int exec(const std::string& database, const std::string& file, bool optimize, std::string* errText) {
+  std::FILE* err = std::tmpfile();
+  const int status = runExec(parseArgs(execArgs(database, file, optimize)), err);
+  *errText = slurp(err);
+  std::fclose(err);
+  return status;
+}
+
+TEST(ExecCommand, ReportsEachFailureAndRunsTheRest) {
+  const auto file = writeScript("lomarin_exec_errors.sql",
+                                "drop table if exists e1;\r\ncreate table e1 (a int primary key);\r\n"
+                                "insert into e1 values (1),(1);\r\ninsert into e1 values (2);\r\n"
+                                "insert into nowhere values (3);\r\n");
+  for (bool optimize : {false, true}) {
+    std::string err;
+    EXPECT_EQ(exec("lomarin_test", file.string(), optimize, &err), 1);
+    EXPECT_EQ(err,
+              "insert into e1 values (1),(1)\nERROR 1062 (23000): Duplicate entry '1' for key 'PRIMARY'\n"
+              "insert into nowhere values (3)\nERROR 1146 (42S02): Table 'lomarin_test.nowhere' doesn't exist\n");
+    auto session = test::connect();
+    EXPECT_EQ(test::scalar(*session, "select group_concat(a) from e1"), "2");
+  }
+  std::string err;
+  EXPECT_EQ(exec("lomarin_test", (std::filesystem::temp_directory_path() / "no_such.sql").string(), false, &err), 2);
+  EXPECT_EQ(runExec(parseArgs({"a.sql", "--fast"}), std::tmpfile()), 2);
+}
+
+std::string checksums(TMyConnection& session, const std::string& database) {
+  TMyQuery tables(session);
+  tables.SQL = "select table_name from information_schema.tables where table_schema = '" + database +
+               "' and table_type = 'BASE TABLE' order by table_name";
+  tables.Open();
+  std::string all;
+  while (tables.Next()) {
+    const std::string name(tables.Value(0));
+    TMyQuery checksum(session);
+    checksum.SQL = "CHECKSUM TABLE `" + database + "`.`" + name + "`";
+    checksum.Open();
+    EXPECT_TRUE(checksum.Next());
+    all += name + "=" + std::string(checksum.Value(1)) + "\n";
+  }
+  return all;
+}
+
+TEST(ExecCommand, DumpOfTheDemoDatabaseRoundTrips) {
+  const auto s = test::serverSettings();
+  const auto dump = std::filesystem::temp_directory_path() / "lomarin_demo_dump.sql";
+  const std::string command = "mariadb-dump --host=" + s.Server + " --port=" + std::to_string(s.Port) +
+                              " --user=" + s.Username + " --password=" + s.Password +
+                              " --routines --events --triggers lomarin_demo > " + dump.string();
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  auto session = test::connect();
+  const std::string original = checksums(*session, "lomarin_demo");
+  EXPECT_NE(original.find("order_items="), std::string::npos);
+  const std::string routines = "select count(*) from information_schema.routines where routine_schema = ";
+  for (bool optimize : {false, true}) {
+    test::sideExec("DROP DATABASE IF EXISTS lomarin_demo_copy");
+    test::sideExec("CREATE DATABASE lomarin_demo_copy");
+    std::string err;
+    EXPECT_EQ(exec("lomarin_demo_copy", dump.string(), optimize, &err), 0);
+    EXPECT_EQ(err, "");
+    EXPECT_EQ(checksums(*session, "lomarin_demo_copy"), original) << optimize;
+    EXPECT_EQ(test::scalar(*session, routines + "'lomarin_demo_copy'"), test::scalar(*session, routines + "'lomarin_demo'"));
+  }
+  test::sideExec("DROP DATABASE lomarin_demo_copy");
+  std::filesystem::remove(dump);
+}
+
+}  // namespace
+}  // namespace lomarin::cli
