@@ -26,8 +26,8 @@ constexpr std::string_view kToolbars[] = {"tbtConectionBar", "tbtDbaBar",  "tbtD
                                           "tbtEditBar",      "tbtMdi",     "tbtProjects",
                                           "tbtSchema",       "tbtSerchBar", "tbtbarFile"};
 
-constexpr bool kOnline = true;
-constexpr bool kOffline = false;
+constexpr ActionNeeds kOnline = ActionNeeds::Connection;
+constexpr ActionNeeds kOffline = ActionNeeds::Nothing;
 
 constexpr ActionSpec kActions[] = {
     {"actExit", "Exit", "", kFile, "", kOffline},
@@ -56,7 +56,7 @@ constexpr ActionSpec kActions[] = {
     {"actAutoReplace", "Auto replace", "", kEdit, "", kOffline},
     {"actClear", "Clear", "", kEdit, "", kOffline},
 
-    {"actConect", "&Connect", "", kDatabase, "tbtConectionBar", kOffline},
+    {"actConect", "&Connect", "", kDatabase, "tbtConectionBar", ActionNeeds::NoConnection},
     {"actDisconect", "Disconnect", "", kDatabase, "tbtConectionBar", kOnline},
     {"actObjectNavigator", "Object navigator", "", kDatabase, "tbtMdi", kOffline},
     {"actSqlEditor", "SQL editor", "", kDatabase, "tbtConectionBar", kOffline},

@@ -6,6 +6,9 @@
 
 namespace lomarin {
 
+// When a command can run, as far as the connection goes.
+enum class ActionNeeds { Nothing, Connection, NoConnection };
+
 // One command of the main window. The shortcut is in portable text form ("Shift+Ctrl+S").
 struct ActionSpec {
   std::string_view name;
@@ -14,7 +17,7 @@ struct ActionSpec {
   std::string_view category;
   // Empty when the action sits in no toolbar.
   std::string_view toolbar;
-  bool needsConnection;
+  ActionNeeds needs;
 };
 
 // Every command of the main window, grouped by category in menu order.

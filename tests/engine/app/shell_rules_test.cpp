@@ -8,6 +8,7 @@
 #include "engine/app/data_folder.h"
 #include "engine/app/layout_values.h"
 #include "engine/app/mru_list.h"
+#include "engine/app/shell_statements.h"
 #include "engine/app/shell_text.h"
 
 namespace lomarin {
@@ -70,6 +71,14 @@ TEST(ActionTable, ServerVersionGates) {
   EXPECT_TRUE(actionsHiddenForServer(5, 51).empty());
   // MariaDB 10+ reads "10" from its bare version text: events stay hidden, as they always did.
   EXPECT_EQ(actionsHiddenForServer(10, 10), std::vector<std::string_view>{"actNewEvent"});
+}
+
+TEST(ShellStatements, FlushAndUse) {
+  ASSERT_EQ(flushCommands().size(), 6u);
+  EXPECT_EQ(flushCommands()[4].statement, "FLUSH TABLES WITH READ LOCK ");
+  for (const FlushCommand& flush : flushCommands()) EXPECT_NE(findAction(flush.action), nullptr);
+  EXPECT_EQ(useDatabaseStatement("lomarin_demo"), "USE `lomarin_demo`");
+  EXPECT_EQ(useDatabaseStatement("a`b"), "USE `a``b`");
 }
 
 TEST(MruList, KeepsTenNewestFirstWithoutDuplicates) {

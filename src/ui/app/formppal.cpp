@@ -1,0 +1,317 @@
+#include "ui/app/formppal.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QToolBar>
+
+#include "engine/app/action_table.h"
+#include "engine/app/settings_store.h"
+#include "engine/app/shell_statements.h"
+#include "engine/app/shell_text.h"
+#include "engine/connect/accounts.h"
+#include "ui/app/editor_ex.h"
+#include "ui/app/exception_dialog.h"
+#include "ui/app/main_actions.h"
+#include "ui/app/monitor_relay.h"
+#include "ui/app/options_dialog.h"
+#include "ui/app/select_database.h"
+#include "ui/app/window_layout.h"
+#include "ui/connect/lost_connection_prompt.h"
+
+namespace lomarin::ui {
+namespace {
+
+QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+// The wait cursor for the length of one step, however the step ends.
+class WaitCursor {
+ public:
+  WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+constexpr int kSideBarWidth = 260;
+
+}  // namespace
+
+Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
+    : QMainWindow(parent),
+      settings_(settings),
+      lostConnection_([this] { return askReestablishLostConnection(this); }) {
+  setObjectName("Tformppal");
+  mdiArea_ = new QMdiArea(this);
+  mdiArea_->setObjectName("mdiArea");
+  mdiArea_->setViewMode(QMdiArea::TabbedView);
+  mdiArea_->setTabsClosable(true);
+  setCentralWidget(mdiArea_);
+  actions_ = new MainActions(*this);
+  createPanes();
+  wireSession();
+  registerHandlers();
+  FormCreate();
+  resize(1100, 720);
+}
+
+Tformppal::~Tformppal() {
+  // Documents may still hold queries on the session: close them before it goes.
+  mdiArea_->closeAllSubWindows();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  MySqlSession.Events = {};
+  if (MySqlSession.Connected()) MySqlSession.Disconnect();
+}
+
+void Tformppal::createPanes() {
+  paneSideBar_ = new QDockWidget(tr("Object navigator"), this);
+  paneSideBar_->setObjectName("paneSideBar");
+  paneSideBar_->setWidget(new QWidget(paneSideBar_));
+  addDockWidget(Qt::LeftDockWidgetArea, paneSideBar_);
+  resizeDocks({paneSideBar_}, {kSideBarWidth}, Qt::Horizontal);
+
+  paneOut_ = new QDockWidget(tr("Message output"), this);
+  paneOut_->setObjectName("paneOut");
+  memOutput_ = new QPlainTextEdit(paneOut_);
+  memOutput_->setObjectName("memOutput");
+  memOutput_->setReadOnly(true);
+  memOutput_->setMaximumBlockCount(5000);
+  memOutput_->setFont(QFont("Monospace"));
+  paneOut_->setWidget(memOutput_);
+  addDockWidget(Qt::BottomDockWidgetArea, paneOut_);
+
+  monitorRelay_ = new MonitorRelay(MySqlMonitor, this);
+  connect(monitorRelay_, &MonitorRelay::lineTraced, memOutput_, [this](const QString& line) {
+    memOutput_->appendPlainText(line);
+    memOutput_->verticalScrollBar()->setValue(memOutput_->verticalScrollBar()->maximum());
+  });
+
+  tbmMRU_ = new QMenu(this);
+  tbmMRU_->setObjectName("tbmMRU");
+  actions_->action("actReopen")->setMenu(tbmMRU_);
+}
+
+void Tformppal::wireSession() {
+  MySqlSession.setMonitor(&MySqlMonitor);
+  auto& events = MySqlSession.Events;
+  events.BeforeConnect = [this] { MySqlMonitor.setActive(true); };
+  events.AfterConnect = [this] { onAfterConnect(); };
+  events.BeforeDisconnect = [this] { onBeforeDisconnect(); };
+  events.AfterDisconnect = [this] { onAfterDisconnect(); };
+  events.OnError = [this](const ServerError& error) { onSessionError(error); };
+  events.OnConnectionLost = [this] { return lostConnection_.onConnectionLost(); };
+}
+
+void Tformppal::registerHandlers() {
+  MainActions& a = *actions_;
+  a.setHandler("actExit", [this] { close(); });
+  a.setHandler("actOpen", [this] {
+    const QString file = QFileDialog::getOpenFileName(this, tr("Open"));
+    if (!file.isEmpty()) CheckParam(file);
+  });
+  a.setHandler("actReopen", [this] { tbmMRU_->popup(QCursor::pos()); });
+  a.setHandler("actDisconect", [this] {
+    if (MySqlSession.Connected()) connectToggle();
+  });
+  a.setHandler("actObjectNavigator", [this] { paneSideBar_->setVisible(!paneSideBar_->isVisible()); });
+  a.setHandler("actOutPut", [this] { paneOut_->setVisible(!paneOut_->isVisible()); });
+  a.setHandler("actClear", [this] { memOutput_->clear(); });
+  a.setHandler("actchangedatabase", [this] {
+    TformSelectDatabase dialog(MySqlSession, this);
+    if (dialog.exec() == QDialog::Accepted && !dialog.selectedDatabase().isEmpty())
+      ExecSQLText(MySqlSession, useDatabaseStatement(dialog.selectedDatabase().toStdString()));
+  });
+  for (const FlushCommand& flush : flushCommands()) {
+    a.setHandler(flush.action, [this, statement = flush.statement] {
+      WaitCursor wait;
+      // A failure reaches the user through the session's error event.
+      ExecSQLText(MySqlSession, statement);
+    });
+  }
+  a.setHandler("actOptions", [this] {
+    TforOptions dialog(settings_, this);
+    dialog.exec();
+  });
+}
+
+void Tformppal::FormCreate() {
+  setWindowTitle(qs(startCaption()));
+  skinType_ = qs(settings_.read(opt::SkinType)).toInt();
+  const Qt::ToolButtonStyle styles[] = {Qt::ToolButtonTextOnly, Qt::ToolButtonTextBesideIcon,
+                                        Qt::ToolButtonTextUnderIcon, Qt::ToolButtonIconOnly};
+  const auto style = skinType_ >= 0 && skinType_ < 4 ? styles[skinType_] : Qt::ToolButtonTextBesideIcon;
+  for (std::string_view name : toolbarNames()) actions_->toolbar(name)->setToolButtonStyle(style);
+  outputWithStatement_ = settings_.read(opt::OutputWithStatment);
+  outputHeight_ = outputPaneHeight(settings_.read(opt::OutputSize));
+  resizeDocks({paneOut_}, {outputHeight_}, Qt::Vertical);
+  TAccountStore(settings_).migrateSshPasswords();
+  actions_->setConnected(false);
+}
+
+void Tformppal::addDocument(QWidget* document) {
+  QMdiSubWindow* window = mdiArea_->addSubWindow(document);
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  window->show();
+  mdiArea_->setActiveSubWindow(window);
+}
+
+void Tformppal::setFileOpener(const QString& extension, FileOpener opener) {
+  openers_.insert(extension.toLower(), std::move(opener));
+}
+
+void Tformppal::CheckParam(const QString& fileName) {
+  const QFileInfo info(fileName);
+  if (!info.exists()) {
+    ShowServerError(qs(kUnableToFind) + fileName);
+    return;
+  }
+  // A bare name is ignored on purpose: only a full path names a file to open.
+  if (!info.isAbsolute()) return;
+  WaitCursor wait;
+  if (QWidget* open = findOpenDocument(fileName)) {
+    auto* window = qobject_cast<QMdiSubWindow*>(open->parentWidget());
+    window->showNormal();
+    mdiArea_->setActiveSubWindow(window);
+    return;
+  }
+  const QString extension = "." + info.suffix().toLower();
+  const FileOpener opener = openers_.value(extension);
+  if (!(opener ? opener(fileName) : openTextEditor(fileName))) return;
+  mru_.add(fileName.toStdString());
+  rebuildRecentMenu();
+}
+
+QWidget* Tformppal::findOpenDocument(const QString& fileName) const {
+  for (QMdiSubWindow* window : mdiArea_->subWindowList()) {
+    const QString open = window->widget()->property("fileName").toString();
+    if (!open.isEmpty() && open.compare(fileName, Qt::CaseInsensitive) == 0) return window->widget();
+  }
+  return nullptr;
+}
+
+QWidget* Tformppal::openTextEditor(const QString& fileName) {
+  auto* editor = new TformEditorEX(settings_, this);
+  if (!editor->loadFile(fileName)) {
+    delete editor;
+    ShowServerError(tr("Cannot read %1").arg(fileName));
+    return nullptr;
+  }
+  addDocument(editor);
+  return editor;
+}
+
+void Tformppal::rebuildRecentMenu() {
+  tbmMRU_->clear();
+  int index = 0;
+  for (const std::string& file : mru_.items()) {
+    QAction* entry = tbmMRU_->addAction(QString::fromStdString(file));
+    entry->setObjectName(QString("MRU%1").arg(++index));
+    connect(entry, &QAction::triggered, this, [this, name = entry->text()] { CheckParam(name); });
+  }
+}
+
+bool Tformppal::currentdb() {
+  if (!MySqlSession.Connected() || !MySqlSession.CurrentDatabase().empty()) return true;
+  TformSelectDatabase dialog(MySqlSession, this);
+  if (dialog.exec() == QDialog::Accepted && !dialog.selectedDatabase().isEmpty())
+    ExecSQLText(MySqlSession, useDatabaseStatement(dialog.selectedDatabase().toStdString()));
+  return false;
+}
+
+void Tformppal::ShowServerError(const QString& text) {
+  ui::ShowServerError(this, text, QString::fromStdString(MySqlSession.GetMySQLinfo()));
+}
+
+void Tformppal::showUnhandledError(const std::exception& error) {
+  // The session's error event has shown its own errors already.
+  if (const auto* server = dynamic_cast<const ServerError*>(&error)) {
+    const auto& last = MySqlSession.LastError();
+    if (last && last->number() == server->number() && last->message() == server->message()) return;
+  }
+  ShowServerError(QString::fromStdString(unhandledErrorText(error.what())));
+}
+
+void Tformppal::onSessionError(const ServerError& error) {
+  ShowServerError(QString::fromStdString(sessionErrorText(error.number(), error.message())));
+}
+
+void Tformppal::connectToggle() {
+  if (MySqlSession.Connected()) {
+    MySqlSession.Disconnect();
+    setWindowTitle(qs(kProductTitle));
+  }
+}
+
+void Tformppal::onAfterConnect() {
+  if (lostConnection_.reconnecting()) {
+    lostConnection_.reconnected();
+    return;
+  }
+  WaitCursor wait;
+  if (!MySqlSession.Connected()) {
+    actions_->setConnected(false);
+    return;
+  }
+  actions_->setConnected(true);
+  const TMySessionSettings& s = MySqlSession.Settings;
+  setWindowTitle(qs(connectedCaption(s.Username, s.Database, s.Server)));
+  QCoreApplication::processEvents();
+  if (settings_.read(opt::SavePassWord)) settings_.write(opt::DefaultPassword, s.Password);
+  if (settings_.read(opt::DefaultHostOption)) settings_.write(opt::DefaultDatabaseHost, s.Server);
+  paneSideBar_->show();
+  actions_->applyServerVersion(MySqlSession.ServerMajorVersion(), MySqlSession.ServerVersionNumber());
+}
+
+void Tformppal::onBeforeDisconnect() {
+  WaitCursor wait;
+  actions_->setConnected(false);
+  MySqlMonitor.setActive(false);
+  QCoreApplication::processEvents();
+  paneSideBar_->show();
+}
+
+void Tformppal::onAfterDisconnect() { sshTunnelInUse_ = false; }
+
+WindowLayout Tformppal::layout() const {
+  WindowLayout layout;
+  layout.geometry = normalGeometry();
+  layout.maximized = isMaximized();
+  layout.sideBarWidth = paneSideBar_->width();
+  layout.mruList = QString::fromStdString(mru_.toText());
+  for (std::string_view name : toolbarNames()) {
+    const QToolBar* bar = actions_->toolbar(name);
+    layout.toolbarDocks.insert(bar->objectName(), toolBarArea(const_cast<QToolBar*>(bar)));
+  }
+  return layout;
+}
+
+void Tformppal::applyLayout(const WindowLayout& layout) {
+  if (layout.geometry.isValid()) setGeometry(layout.geometry);
+  if (layout.maximized) setWindowState(windowState() | Qt::WindowMaximized);
+  if (layout.sideBarWidth > 0) resizeDocks({paneSideBar_}, {layout.sideBarWidth}, Qt::Horizontal);
+  mru_ = MruList::fromText(layout.mruList.toStdString());
+  rebuildRecentMenu();
+  for (auto it = layout.toolbarDocks.begin(); it != layout.toolbarDocks.end(); ++it) {
+    QToolBar* bar = actions_->toolbar(it.key().toStdString());
+    if (bar && it.value() != Qt::NoToolBarArea) addToolBar(it.value(), bar);
+  }
+}
+
+void Tformppal::closeEvent(QCloseEvent* event) {
+  if (MySqlSession.Connected()) {
+    MySqlSession.Disconnect();
+    MySqlMonitor.setActive(false);
+  }
+  event->accept();
+}
+
+}  // namespace lomarin::ui

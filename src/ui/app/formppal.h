@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <functional>
+#include <memory>
+
+#include "engine/app/mru_list.h"
+#include "engine/connect/lost_connection.h"
+#include "engine/connect/my_connection.h"
+#include "engine/connect/sql_monitor.h"
+
+class QDockWidget;
+class QMdiArea;
+class QMenu;
+class QPlainTextEdit;
+
+namespace lomarin {
+class SettingsStore;
+}
+
+namespace lomarin::ui {
+
+class MainActions;
+class MonitorRelay;
+struct WindowLayout;
+
+// The main window: owns the one server session, the object explorer, the message output pane,
+// the commands and every open document.
+class Tformppal : public QMainWindow {
+  Q_OBJECT
+ public:
+  explicit Tformppal(SettingsStore& settings, QWidget* parent = nullptr);
+  ~Tformppal() override;
+
+  TMySQLMonitor MySqlMonitor;
+  TMyConnection MySqlSession;
+
+  SettingsStore& settings() { return settings_; }
+  MainActions& actions() { return *actions_; }
+  QMdiArea* mdiArea() const { return mdiArea_; }
+  QDockWidget* paneOut() const { return paneOut_; }
+  QDockWidget* paneSideBar() const { return paneSideBar_; }
+  const MruList& recentFiles() const { return mru_; }
+  bool outputWithStatement() const { return outputWithStatement_; }
+  int skinType() const { return skinType_; }
+
+  // Set by the connect dialog while the session runs through an SSH tunnel.
+  void setSshTunnelInUse(bool inUse) { sshTunnelInUse_ = inUse; }
+  bool sshTunnelInUse() const { return sshTunnelInUse_; }
+
+  // Opens a file as a document, as from the command line.
+  void CheckParam(const QString& fileName);
+  // Documents register how files of an extension (".sql") open; the others open as text.
+  using FileOpener = std::function<QWidget*(const QString& fileName)>;
+  void setFileOpener(const QString& extension, FileOpener opener);
+
+  // True when a current database is set or there is no connection; otherwise asks for one and
+  // returns false, so the asking action is not carried on in the same click.
+  bool currentdb();
+
+  // Shows an error with the session's connection summary.
+  void ShowServerError(const QString& text);
+  // For errors nobody caught: see unhandledErrorText.
+  void showUnhandledError(const std::exception& error);
+
+  // Adds a document window and shows it.
+  void addDocument(QWidget* document);
+
+  WindowLayout layout() const;
+  void applyLayout(const WindowLayout& layout);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void FormCreate();
+  void createPanes();
+  void wireSession();
+  void registerHandlers();
+  void rebuildRecentMenu();
+  QWidget* findOpenDocument(const QString& fileName) const;
+  QWidget* openTextEditor(const QString& fileName);
+
+  void connectToggle();
+  void onAfterConnect();
+  void onBeforeDisconnect();
+  void onAfterDisconnect();
+  void onSessionError(const ServerError& error);
+
+  SettingsStore& settings_;
+  TLostConnectionHandler lostConnection_;
+  MainActions* actions_;
+  MonitorRelay* monitorRelay_;
+  QMdiArea* mdiArea_;
+  QDockWidget* paneOut_;
+  QPlainTextEdit* memOutput_;
+  QDockWidget* paneSideBar_;
+  QMenu* tbmMRU_;
+  MruList mru_;
+  QHash<QString, FileOpener> openers_;
+  bool sshTunnelInUse_ = false;
+  bool outputWithStatement_ = false;
+  int outputHeight_ = 80;
+  int skinType_ = 1;
+};
+
+}  // namespace lomarin::ui

@@ -1,0 +1,92 @@
+#include "ui/app/startup.h"
+
+#include <QCommandLineParser>
+#include <cstdio>
+
+#include "engine/app/settings_store.h"
+#include "engine/app/shell_text.h"
+#include "engine/connect/accounts.h"
+#include "engine/connect/accounts_session.h"
+#include "ui/app/exception_dialog.h"
+#include "ui/app/formppal.h"
+#include "ui/app/instance_link.h"
+#include "ui/app/lomarin_application.h"
+#include "ui/app/window_layout.h"
+
+namespace lomarin::ui {
+namespace {
+
+void connectAccount(Tformppal& window, SettingsStore& settings, const QString& name) {
+  const std::optional<TAccount> account = TAccountStore(settings).load(name.toStdString());
+  if (!account) {
+    window.ShowServerError(QObject::tr("There is no account named \"%1\"").arg(name));
+    return;
+  }
+  applyAccountToSession(*account, window.MySqlSession.Settings);
+  try {
+    window.MySqlSession.Connect();
+  } catch (const ServerError&) {
+    // The session's error event has shown it.
+  }
+}
+
+}  // namespace
+
+int runLomarin(int argc, char** argv) {
+  LomarinApplication app(argc, argv);
+  QCommandLineParser parser;
+  parser.setApplicationDescription(app.applicationName());
+  parser.addHelpOption();
+  const QCommandLineOption connectOption("connect", QObject::tr("Connect with the stored account ACCOUNT."),
+                                         "ACCOUNT");
+  parser.addOption(connectOption);
+  parser.addPositionalArgument("file", QObject::tr("A file to open."), "[file]");
+  parser.process(app);
+  const QString file = parser.positionalArguments().value(0);
+  const QString socketFolder = instance::socketFolder();
+
+  if (!file.isEmpty()) {
+    if (auto running = findRunningInstance(socketFolder)) return running->openFile(file) ? 0 : 1;
+  }
+
+  std::unique_ptr<SettingsStore> settings;
+  try {
+    settings = std::make_unique<SettingsStore>(SettingsStore::defaultFile());
+  } catch (const SettingsError& error) {
+    ShowServerError(nullptr, QString::fromUtf8(error.what()), QString());
+    return 1;
+  }
+
+  Tformppal window(*settings);
+  app.setErrorHandler([&window](const std::exception& error) { window.showUnhandledError(error); });
+
+  QString problem;
+  const QString layoutFile = windowLayoutFile();
+  if (const auto layout = loadWindowLayout(layoutFile, &problem))
+    window.applyLayout(*layout);
+  else if (!problem.isEmpty())
+    window.ShowServerError(problem);
+
+  InstanceServer server;
+  QObject::connect(&server, &InstanceServer::openFileRequested, &window, [&window](const QString& name) {
+    if (window.isMinimized()) window.showNormal();
+    window.show();
+    window.raise();
+    window.activateWindow();
+    window.CheckParam(name);
+  });
+  if (!server.listen(socketFolder, &problem))
+    std::fprintf(stderr, "lomarin: no single-instance hand-off: %s\n", qPrintable(problem));
+
+  window.show();
+  if (parser.isSet(connectOption)) connectAccount(window, *settings, parser.value(connectOption));
+  if (!file.isEmpty()) window.CheckParam(file);
+
+  const int status = app.exec();
+  app.setErrorHandler({});
+  if (!saveWindowLayout(window.layout(), layoutFile, &problem))
+    std::fprintf(stderr, "lomarin: the window layout was not saved: %s\n", qPrintable(problem));
+  return status;
+}
+
+}  // namespace lomarin::ui
