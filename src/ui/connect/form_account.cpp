@@ -1,0 +1,46 @@
+#include "ui/connect/form_account.h"
+
+#include "ui/connect/connect_message.h"
+#include "ui_form_account.h"
+
+namespace lomarin::ui {
+
+TformAccount::TformAccount(TAccountStore& store, const QString& accountName, QWidget* parent)
+    : QDialog(parent), store_(store), adding_(accountName.isEmpty()), ui_(std::make_unique<Ui::TformAccount>()) {
+  ui_->setupUi(this);
+  ui_->edtName->setText(accountName);
+  ui_->edtName->setReadOnly(!adding_);
+  ui_->frmAccount->setAccount(store.load(accountName.toStdString()).value_or(TAccount{}));
+  setWindowTitle(adding_ ? tr("New account") : tr("Edit account"));
+  connect(ui_->btnOk, &QPushButton::clicked, this, &TformAccount::btnOkClick);
+  connect(ui_->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
+  ui_->btnOk->setDefault(true);
+}
+
+TformAccount::~TformAccount() = default;
+
+QString TformAccount::accountName() const { return ui_->edtName->text().trimmed(); }
+
+void TformAccount::btnOkClick() {
+  const std::string name = accountName().toStdString();
+  if (name.empty()) {
+    showConnectMessage(this, tr("Enter a name for the account."));
+    return;
+  }
+  if (name.find('\\') != std::string::npos) {
+    showConnectMessage(this, tr("An account name cannot contain a backslash."));
+    return;
+  }
+  if (adding_ && store_.exists(name)) {
+    showConnectMessage(this, QString::fromUtf8(kNameAlreadyExists.data(), kNameAlreadyExists.size()));
+    return;
+  }
+  const TAccount account = ui_->frmAccount->account();
+  if (!(adding_ ? store_.add(name, account) : store_.save(name, account))) {
+    showConnectMessage(this, tr("The account could not be saved: the settings file cannot be written."));
+    return;
+  }
+  accept();
+}
+
+}  // namespace lomarin::ui

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+
+#include "engine/connect/accounts.h"
+
+namespace Ui {
+class TformAccount;
+}
+
+namespace lomarin::ui {
+
+// The account editor. With an empty name it adds a new account; otherwise it edits that one.
+class TformAccount : public QDialog {
+  Q_OBJECT
+ public:
+  TformAccount(TAccountStore& store, const QString& accountName, QWidget* parent = nullptr);
+  ~TformAccount() override;
+
+  QString accountName() const;
+
+ private:
+  void btnOkClick();
+
+  TAccountStore& store_;
+  bool adding_;
+  std::unique_ptr<Ui::TformAccount> ui_;
+};
+
+}  // namespace lomarin::ui

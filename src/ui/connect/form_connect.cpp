@@ -1,0 +1,177 @@
+#include "ui/connect/form_connect.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QStyle>
+
+#include "engine/app/settings_store.h"
+#include "engine/connect/accounts_session.h"
+#include "engine/connect/my_connection.h"
+#include "ui/connect/account_frame.h"
+#include "ui/connect/connect_memory.h"
+#include "ui/connect/connect_message.h"
+#include "ui/connect/form_account.h"
+#include "ui_account_frame.h"
+#include "ui_form_connect.h"
+
+namespace lomarin::ui {
+
+namespace {
+
+constexpr int kUsesSshRole = Qt::UserRole;
+
+QString q(const std::string& text) { return QString::fromStdString(text); }
+
+QIcon accountIcon(bool usesSsh) {
+  return QApplication::style()->standardIcon(usesSsh ? QStyle::SP_DriveNetIcon : QStyle::SP_ComputerIcon);
+}
+
+void setComboText(QComboBox* box, const QString& text) {
+  const int index = box->findText(text);
+  if (index >= 0)
+    box->setCurrentIndex(index);
+  else if (box->isEditable())
+    box->setEditText(text);
+}
+
+}  // namespace
+
+TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, QWidget* parent)
+    : QDialog(parent),
+      settings_(settings),
+      session_(session),
+      accounts_(settings),
+      ui_(std::make_unique<Ui::TformConnect>()) {
+  ui_->setupUi(this);
+  ui_->lblTitle->setText(QStringLiteral("Lomarin for MySQL 6.0"));
+  ui_->lvAccounts->setIconSize(QSize(16, 16));
+  readDefaults();
+  fillAccountList();
+
+  connect(ui_->lvAccounts, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
+  connect(ui_->lvAccounts, &QTreeWidget::currentItemChanged, this,
+          [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
+  // A double-click or Enter on an account connects with it.
+  connect(ui_->lvAccounts, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) {
+    lvAccountsClick(item);
+    btnOkClick();
+  });
+  connect(ui_->btnAdd, &QPushButton::clicked, this, &TformConnect::btnAddClick);
+  connect(ui_->btnEdit, &QPushButton::clicked, this, &TformConnect::btnEditClick);
+  connect(ui_->btnDelete, &QPushButton::clicked, this, &TformConnect::btnDeleteClick);
+  connect(ui_->btnOk, &QPushButton::clicked, this, &TformConnect::btnOkClick);
+  connect(ui_->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
+  ui_->btnOk->setDefault(true);
+}
+
+TformConnect::~TformConnect() = default;
+
+QString TformConnect::accountName() const { return accountName_; }
+QString TformConnect::databaseFilter() const { return databaseFilter_; }
+
+void TformConnect::readDefaults() {
+  auto& f = ui_->frmAccount->fields();
+  if (const auto memory = readConnectMemory(layoutFile())) {
+    bool ok = false;
+    const int port = memory->port.toInt(&ok);
+    if (ok) f.spnPort->setValue(port);
+    setComboText(f.cboClientCharset, memory->clientCharset);
+    setComboText(f.cboFontCharset, memory->fontCharset);
+    setComboText(f.cboDatabase, memory->database);
+    setComboText(f.cboServer, memory->host);
+    f.edtLogin->setText(memory->login);
+    f.edtPHPUrl->setText(memory->phpUrl);
+  }
+  if (settings_.read(opt::SavePassWord)) f.edtPassword->setText(q(settings_.read(opt::DefaultPassword)));
+  if (settings_.read(opt::DefaultHostOption)) setComboText(f.cboServer, q(settings_.read(opt::DefaultDatabaseHost)));
+  bool ok = false;
+  const int port = q(settings_.read(opt::DefaultDatabasePort, std::to_string(f.spnPort->value()))).toInt(&ok);
+  if (ok) f.spnPort->setValue(port);
+  f.chkShowAllDatabases->setChecked(settings_.read(opt::ShowAllDatabase));
+}
+
+void TformConnect::fillAccountList() {
+  ui_->lvAccounts->clear();
+  for (const auto& row : accounts_.list()) {
+    auto* item = new QTreeWidgetItem(ui_->lvAccounts, {q(row.Name), q(row.Login), q(row.Server), q(row.Database)});
+    item->setIcon(0, accountIcon(row.UsesSSH));
+    item->setData(0, kUsesSshRole, row.UsesSSH);
+  }
+  for (int column = 0; column < ui_->lvAccounts->columnCount(); ++column)
+    ui_->lvAccounts->resizeColumnToContents(column);
+}
+
+void TformConnect::lvAccountsClick(QTreeWidgetItem* item) {
+  if (!item) return;
+  if (const auto account = accounts_.load(item->text(0).toStdString())) ui_->frmAccount->setAccount(*account);
+}
+
+void TformConnect::btnAddClick() {
+  TformAccount editor(accounts_, QString(), this);
+  if (editor.exec() == QDialog::Accepted) fillAccountList();
+}
+
+void TformConnect::btnEditClick() {
+  auto* item = ui_->lvAccounts->currentItem();
+  if (!item) return;
+  const QString name = item->text(0);
+  TformAccount editor(accounts_, name, this);
+  if (editor.exec() != QDialog::Accepted) return;
+  fillAccountList();
+  const auto found = ui_->lvAccounts->findItems(name, Qt::MatchFixedString);
+  if (!found.isEmpty()) ui_->lvAccounts->setCurrentItem(found.first());
+}
+
+void TformConnect::btnDeleteClick() {
+  auto* item = ui_->lvAccounts->currentItem();
+  if (!item) return;
+  const QString name = item->text(0);
+  if (QMessageBox::question(this, windowTitle(), tr("Delete the account \"%1\"?").arg(name)) != QMessageBox::Yes)
+    return;
+  accounts_.remove(name.toStdString());
+  fillAccountList();
+}
+
+void TformConnect::btnOkClick() {
+  const TAccount account = ui_->frmAccount->account();
+  if (account.UseSSH) {
+    showConnectMessage(this, tr("Connecting through the SSH tunnel is not available yet. "
+                                "Clear \"Connect through the SSH shell\" to connect directly."));
+    return;
+  }
+  if (account.UsePHP) {
+    showConnectMessage(this, tr("Connecting through the PHP tunnel is not available yet. "
+                                "Clear \"Connect through the PHP tunneling\" to connect directly."));
+    return;
+  }
+  const QString filter = q(applyAccountToSession(account, session_.Settings));
+  emit aboutToConnect(filter);
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  try {
+    session_.Connect();
+  } catch (const ServerError& error) {
+    QApplication::restoreOverrideCursor();
+    if (!session_.Events.OnError)
+      showConnectMessage(this, QString::number(error.number()) + "\n" + q(error.message()));
+    return;
+  }
+  QApplication::restoreOverrideCursor();
+  if (!session_.Connected()) return;
+
+  connected_ = account;
+  databaseFilter_ = filter;
+  auto* item = ui_->lvAccounts->currentItem();
+  accountName_ = item ? item->text(0) : QString();
+  settings_.write(opt::DefaultDatabasePort, std::to_string(account.Port));
+  rememberInputs();
+  accept();
+}
+
+void TformConnect::rememberInputs() {
+  const auto& f = ui_->frmAccount->fields();
+  writeConnectMemory(layoutFile(), {QString::number(f.spnPort->value()), f.cboClientCharset->currentText(),
+                                    f.cboFontCharset->currentText(), f.cboDatabase->currentText(),
+                                    f.cboServer->currentText(), f.edtLogin->text(), f.edtPHPUrl->text()});
+}
+
+}  // namespace lomarin::ui

@@ -1,0 +1,308 @@
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+#include "engine/app/settings_store.h"
+#include "engine/connect/accounts.h"
+#include "engine/connect/accounts_cipher.h"
+#include "engine/connect/my_connection.h"
+#include "modal_helper.h"
+#include "test_server.h"
+#include "ui/connect/account_frame.h"
+#include "ui/connect/connect_memory.h"
+#include "ui/connect/connect_message.h"
+#include "ui/connect/form_connect.h"
+#include "ui_test_registry.h"
+
+using namespace lomarin;
+using lomarin::test::whenModal;
+
+namespace {
+
+const std::string kAccountsKey = std::string(key::Accounts) + "\\";
+
+template <class T>
+T* child(QWidget* parent, const char* name) {
+  auto* widget = parent->findChild<T*>(name);
+  if (!widget) qFatal("no widget %s", name);
+  return widget;
+}
+
+TAccount sandboxAccount() {
+  const auto server = test::serverSettings();
+  TAccount a;
+  a.Login = server.Username;
+  a.Password = server.Password;
+  a.Server = server.Server;
+  a.Port = server.Port;
+  a.Database = "lomarin_demo";
+  return a;
+}
+
+class FormConnectTest : public QObject {
+  Q_OBJECT
+
+  std::unique_ptr<QTemporaryDir> dir_;
+  std::unique_ptr<SettingsStore> settings_;
+  TMyConnection session_;
+
+  std::string raw(const std::string& account, const char* value) {
+    return settings_->readString(value, "<missing>", kAccountsKey + account);
+  }
+
+ private slots:
+  void init() {
+    dir_ = std::make_unique<QTemporaryDir>();
+    qputenv("LOMARIN_DATA_DIR", dir_->path().toUtf8());
+    settings_ = std::make_unique<SettingsStore>(dir_->filePath("settings.sqlite").toStdString());
+    session_.Disconnect();
+  }
+
+  void namedWidgetsAndLists() {
+    ui::TformConnect form(*settings_, session_);
+    for (const char* name : {"lvAccounts", "btnAdd", "btnEdit", "btnDelete", "btnOk", "btnCancel", "edtLogin",
+                             "edtPassword", "cboServer", "cboDatabase", "spnPort", "chkShowAllDatabases",
+                             "chkDirect", "chkSSH", "edtSSHServer", "spnSSHPort", "cboSSHKey", "chkPHP",
+                             "edtPHPUrl", "edtProxyHost", "spnProxyPort", "chkSSL", "edtCACert", "edtCert",
+                             "edtCipherList", "edtClientKey", "spnTimeout", "cboFontFormat", "cboFontEncoding",
+                             "chkCompression", "chkUnicode"})
+      QVERIFY2(form.findChild<QWidget*>(name), name);
+    QCOMPARE(child<QLabel>(&form, "lblTitle")->text(), QString("Lomarin for MySQL 6.0"));
+    QCOMPARE(child<QPushButton>(&form, "btnOk")->text(), QString("&Ok"));
+    auto* charsets = child<QComboBox>(&form, "cboClientCharset");
+    QCOMPARE(charsets->count(), 37);
+    QCOMPARE(charsets->currentText(), QString("default"));
+    QCOMPARE(charsets->itemText(36), QString("eucjpms"));
+    QCOMPARE(child<QComboBox>(&form, "cboFontCharset")->itemText(14),
+             QString("SHIFTJI  (Japanese shift-JIS characters)"));
+    QCOMPARE(child<QSpinBox>(&form, "spnPort")->value(), 3306);
+    QVERIFY(child<QCheckBox>(&form, "chkDirect")->isChecked());
+    QVERIFY(!child<QCheckBox>(&form, "chkShowAllDatabases")->isChecked());
+    QVERIFY(child<QPushButton>(&form, "btnOk")->isDefault());
+  }
+
+  void fieldsStartFromTheOptions() {
+    settings_->write(opt::SavePassWord, true);
+    settings_->write(opt::DefaultPassword, "remembered");
+    settings_->write(opt::DefaultHostOption, true);
+    settings_->write(opt::DefaultDatabaseHost, "db.lan");
+    settings_->write(opt::DefaultDatabasePort, "3310");
+    settings_->write(opt::ShowAllDatabase, true);
+    {
+      ui::TformConnect form(*settings_, session_);
+      QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString("remembered"));
+      QCOMPARE(child<QComboBox>(&form, "cboServer")->currentText(), QString("db.lan"));
+      QCOMPARE(child<QSpinBox>(&form, "spnPort")->value(), 3310);
+      QVERIFY(child<QCheckBox>(&form, "chkShowAllDatabases")->isChecked());
+    }
+    settings_->write(opt::SavePassWord, false);
+    settings_->write(opt::DefaultHostOption, false);
+    ui::TformConnect form(*settings_, session_);
+    QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString());
+    QCOMPARE(child<QComboBox>(&form, "cboServer")->currentText(), QString());
+  }
+
+  void addingAccountsThroughTheEditor() {
+    ui::TformConnect form(*settings_, session_);
+    form.show();
+    const auto addAccount = [&](const QString& name, bool ssh, QString* message) {
+      whenModal("TformAccount", [=](QWidget* editor) {
+        child<QLineEdit>(editor, "edtName")->setText(name);
+        child<QLineEdit>(editor, "edtLogin")->setText("alice");
+        child<QLineEdit>(editor, "edtPassword")->setText("pw-alice");
+        child<QComboBox>(editor, "cboServer")->setEditText("db.example");
+        child<QComboBox>(editor, "cboDatabase")->setEditText("shop");
+        child<QCheckBox>(editor, "chkSSH")->setChecked(ssh);
+        child<QLineEdit>(editor, "edtSSHPassword")->setText("pw-ssh");
+        if (message) {
+          whenModal(ui::kConnectMessageName, [=](QWidget* box) {
+            *message = static_cast<QMessageBox*>(box)->text();
+            static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+            QTimer::singleShot(0, editor, [editor] {
+              QVERIFY2(editor->isVisible(), "a refused name leaves the editor open");
+              child<QPushButton>(editor, "btnCancel")->click();
+            });
+          });
+        }
+        child<QPushButton>(editor, "btnOk")->click();
+      });
+      child<QPushButton>(&form, "btnAdd")->click();
+    };
+    addAccount("plain", false, nullptr);
+    addAccount("tunnelled", true, nullptr);
+
+    QCOMPARE(raw("plain", "SSH Port"), std::string("22"));
+    QCOMPARE(raw("plain", "PHP Proxy port"), std::string("808"));
+    QCOMPARE(raw("plain", "SSH Password"), std::string());
+    QCOMPARE(raw("plain", "Password"), encipher("pw-alice"));
+    QCOMPARE(raw("tunnelled", "SSH Password"), encipher("pw-ssh"));
+    for (const auto& name : settings_->valueNames(kAccountsKey + "tunnelled"))
+      QVERIFY2(raw("tunnelled", name.c_str()).find("pw-") == std::string::npos, name.c_str());
+
+    auto* list = child<QTreeWidget>(&form, "lvAccounts");
+    QCOMPARE(list->topLevelItemCount(), 2);
+    const QStringList shown{list->topLevelItem(0)->text(0), list->topLevelItem(0)->text(1),
+                            list->topLevelItem(0)->text(2), list->topLevelItem(0)->text(3)};
+    QCOMPARE(shown, QStringList({"plain", "alice", "db.example", "shop"}));
+    QCOMPARE(list->topLevelItem(0)->data(0, Qt::UserRole).toBool(), false);
+    QCOMPARE(list->topLevelItem(1)->data(0, Qt::UserRole).toBool(), true);
+    QVERIFY(list->topLevelItem(0)->icon(0).cacheKey() != list->topLevelItem(1)->icon(0).cacheKey());
+
+    QString refused;
+    addAccount("Plain", false, &refused);
+    QCOMPARE(refused, QString("The name already exists "));
+    QCOMPARE(list->topLevelItemCount(), 2);
+    test::renderPng(&form, "connect_accounts");
+  }
+
+  void choosingAnAccountFillsTheFields() {
+    TAccount a = sandboxAccount();
+    a.Timeout = 20;
+    a.ClientCharset = "latin1";
+    a.UseSSL = true;
+    a.SSLCACert = "/ca.pem";
+    TAccountStore(*settings_).add("stored", a);
+    ui::TformConnect form(*settings_, session_);
+    auto* list = child<QTreeWidget>(&form, "lvAccounts");
+    list->setCurrentItem(list->topLevelItem(0));
+    QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString::fromStdString(a.Password));
+    QCOMPARE(child<QSpinBox>(&form, "spnPort")->value(), a.Port);
+    QCOMPARE(child<QComboBox>(&form, "cboDatabase")->currentText(), QString("lomarin_demo"));
+    QCOMPARE(child<QComboBox>(&form, "cboClientCharset")->currentText(), QString("latin1"));
+    QCOMPARE(child<QSpinBox>(&form, "spnTimeout")->value(), 20);
+    QCOMPARE(child<QLineEdit>(&form, "edtCACert")->text(), QString("/ca.pem"));
+    QVERIFY(child<QCheckBox>(&form, "chkSSL")->isChecked());
+  }
+
+  void connectingWithAStoredAccount() {
+    TAccountStore(*settings_).add("Local sandbox", sandboxAccount());
+    ui::TformConnect form(*settings_, session_);
+    QString filterSeen;
+    connect(&form, &ui::TformConnect::aboutToConnect, this, [&](const QString& f) { filterSeen = f; });
+    form.show();
+    auto* list = child<QTreeWidget>(&form, "lvAccounts");
+    list->setCurrentItem(list->topLevelItem(0));
+    child<QPushButton>(&form, "btnOk")->click();
+
+    QVERIFY(session_.Connected());
+    QCOMPARE(form.result(), int(QDialog::Accepted));
+    const auto server = test::serverSettings();
+    QCOMPARE(test::scalar(session_, "SELECT CURRENT_USER()").substr(0, server.Username.size() + 1),
+             server.Username + "@");
+    QCOMPARE(test::scalar(session_, "SELECT DATABASE()"), std::string("lomarin_demo"));
+    QCOMPARE(form.accountName(), QString("Local sandbox"));
+    QCOMPARE(form.databaseFilter(), QString("'lomarin_demo'"));
+    QCOMPARE(filterSeen, QString("'lomarin_demo'"));
+    QCOMPARE(settings_->read(opt::DefaultDatabasePort), std::to_string(server.Port));
+
+    const auto memory = ui::readConnectMemory(ui::layoutFile());
+    QVERIFY(memory);
+    QCOMPARE(memory->port, QString::number(server.Port));
+    QCOMPARE(memory->database, QString("lomarin_demo"));
+    QCOMPARE(memory->login, QString::fromStdString(server.Username));
+    QCOMPARE(memory->clientCharset, QString("default"));
+
+    // The next opening starts from what was used last.
+    ui::TformConnect again(*settings_, session_);
+    QCOMPARE(child<QComboBox>(&again, "cboServer")->currentText(), QString::fromStdString(server.Server));
+    QCOMPARE(child<QLineEdit>(&again, "edtLogin")->text(), QString::fromStdString(server.Username));
+  }
+
+  void aFailedConnectKeepsTheDialogAndItsInput() {
+    TAccount wrong = sandboxAccount();
+    wrong.Password = "not the password";
+    ui::TformConnect form(*settings_, session_);
+    form.show();
+    child<ui::TframeAccount>(&form, "frmAccount")->setAccount(wrong);
+    QString shown;
+    whenModal(ui::kConnectMessageName, [&](QWidget* box) {
+      shown = static_cast<QMessageBox*>(box)->text();
+      static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+    });
+    child<QPushButton>(&form, "btnOk")->click();
+    QVERIFY(shown.startsWith("1045\n"));
+    QVERIFY(!session_.Connected());
+    QVERIFY(form.isVisible());
+    QCOMPARE(form.result(), 0);
+    QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString("not the password"));
+    QVERIFY(!settings_->read(opt::DefaultDatabasePort, "").size());
+  }
+
+  void tunnelsAreRefusedPlainly() {
+    ui::TformConnect form(*settings_, session_);
+    form.show();
+    const char* boxes[] = {"chkSSH", "chkPHP"};
+    const char* words[] = {"SSH tunnel", "PHP tunnel"};
+    for (int i = 0; i < 2; ++i) {
+      child<QCheckBox>(&form, "chkSSH")->setChecked(i == 0);
+      child<QCheckBox>(&form, boxes[i])->setChecked(true);
+      QString shown;
+      whenModal(ui::kConnectMessageName, [&](QWidget* box) {
+        shown = static_cast<QMessageBox*>(box)->text();
+        static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+      });
+      child<QPushButton>(&form, "btnOk")->click();
+      QVERIFY2(shown.contains(words[i]) && shown.contains("not available yet"), qPrintable(shown));
+      QVERIFY(form.isVisible());
+    }
+  }
+
+  void connectMemoryKeepsTheRestOfTheLayoutFile() {
+    const QString file = dir_->filePath("ide_settings.xml");
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    out.write("<?xml version=\"1.0\"?>\n<Configuration><General><paneSideBar.Width>240</paneSideBar.Width>"
+              "</General><Connect><edtLogin>old</edtLogin></Connect></Configuration>\n");
+    out.close();
+    const ui::ConnectMemory memory{"3307", "utf8", "Western", "shop", "db & co", "bob", "http://x/t.php?a=1&b=2"};
+    QVERIFY(ui::writeConnectMemory(file, memory));
+    QCOMPARE(ui::readConnectMemory(file), std::optional(memory));
+    QVERIFY(out.open(QIODevice::ReadOnly));
+    const QByteArray text = out.readAll();
+    out.close();
+    QVERIFY(text.contains("<paneSideBar.Width>240</paneSideBar.Width>"));
+    QCOMPARE(text.count("<Connect>"), 1);
+
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    out.write("<Configuration><General>");
+    out.close();
+    QVERIFY(!ui::readConnectMemory(file));
+    QVERIFY2(!ui::writeConnectMemory(file, memory), "a damaged file is never replaced");
+    QVERIFY(out.open(QIODevice::ReadOnly));
+    QCOMPARE(out.readAll(), QByteArray("<Configuration><General>"));
+  }
+
+  void renderPages() {
+    TAccountStore(*settings_).add("Local sandbox", sandboxAccount());
+    TAccount ssh = sandboxAccount();
+    ssh.UseSSH = true;
+    TAccountStore(*settings_).add("Through SSH", ssh);
+    ui::TformConnect form(*settings_, session_);
+    form.resize(820, 480);
+    form.show();
+    auto* tabs = child<QTabWidget>(&form, "pgcConnection");
+    for (int i = 0; i < tabs->count(); ++i) {
+      tabs->setCurrentIndex(i);
+      test::renderPng(&form, "connect_" + tabs->widget(i)->objectName());
+    }
+    whenModal("TformAccount", [](QWidget* editor) {
+      test::renderPng(editor, "account_editor");
+      child<QPushButton>(editor, "btnCancel")->click();
+    });
+    child<QPushButton>(&form, "btnAdd")->click();
+  }
+
+  void cleanup() { session_.Disconnect(); }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(FormConnectTest)
+#include "form_connect_test.moc"
