@@ -25,12 +25,15 @@ void writeAll(std::FILE* stream, std::string_view text, const std::filesystem::p
 TLinesDumpSink::~TLinesDumpSink() { flush(); }
 
 void TLinesDumpSink::write(std::string_view text) {
-  for (size_t end; (end = text.find("\r\n")) != std::string_view::npos; text.remove_prefix(end + 2)) {
-    partial_.append(text.substr(0, end));
-    lines_.push_back(std::move(partial_));
-    partial_.clear();
-  }
+  // A CR LF may be split between two writes: search from the last unfinished character.
+  const size_t from = partial_.empty() ? 0 : partial_.size() - 1;
   partial_.append(text);
+  size_t start = 0;
+  for (size_t end = partial_.find("\r\n", from); end != std::string::npos; end = partial_.find("\r\n", start)) {
+    lines_.emplace_back(partial_, start, end - start);
+    start = end + 2;
+  }
+  partial_.erase(0, start);
 }
 
 void TLinesDumpSink::flush() {
