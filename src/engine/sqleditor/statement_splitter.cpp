@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+#include "engine/sqleditor/byte_scan.h"
+
 namespace lomarin {
 
 namespace {
@@ -22,9 +24,7 @@ TStatementSplitter::TStatementSplitter(std::istream& in, std::string delimiter, 
 
 void TStatementSplitter::setDelimiter(std::string delimiter) {
   delimiter_ = delimiter.empty() ? ";" : std::move(delimiter);
-  normalStops_.fill(false);
-  for (unsigned char c : {'\n', '\'', '"', '`', '#', '-', '/'}) normalStops_[c] = true;
-  normalStops_[static_cast<unsigned char>(delimiter_[0])] = true;
+  normalStops_ = {'\n', '\'', '"', '`', '#', '-', '/', delimiter_[0]};
 }
 
 void TStatementSplitter::flushSegment() {
@@ -161,8 +161,7 @@ bool TStatementSplitter::handleDelimiterCommand() {
 
 void TStatementSplitter::scanNormal() {
   const char* b = buf_.data();
-  size_t p = pos_;
-  while (p < end_ && !normalStops_[static_cast<unsigned char>(b[p])]) ++p;
+  const size_t p = detail::findFirstOf(b + pos_, b + end_, normalStops_) - b;
   pos_ = p;
   if (p == end_) return;
   const char c = b[p];
@@ -209,12 +208,8 @@ void TStatementSplitter::scanNormal() {
 
 void TStatementSplitter::scanQuoted(char quote, bool backslashEscapes) {
   const char* b = buf_.data();
-  size_t p = pos_;
-  if (backslashEscapes) {
-    while (p < end_ && b[p] != quote && b[p] != '\\' && b[p] != '\n') ++p;
-  } else {
-    while (p < end_ && b[p] != quote && b[p] != '\n') ++p;
-  }
+  const std::array<char, 3> stops = {quote, backslashEscapes ? '\\' : quote, '\n'};
+  const size_t p = detail::findFirstOf(b + pos_, b + end_, stops) - b;
   pos_ = p;
   if (p == end_) return;
   if (b[p] == '\n') {
@@ -242,8 +237,7 @@ void TStatementSplitter::scanLineComment() {
 
 void TStatementSplitter::scanBlockComment() {
   const char* b = buf_.data();
-  size_t p = pos_;
-  while (p < end_ && b[p] != '*' && b[p] != '\n') ++p;
+  const size_t p = detail::findFirstOf(b + pos_, b + end_, std::array<char, 2>{'*', '\n'}) - b;
   pos_ = p;
   if (p == end_) return;
   if (b[p] == '\n') {

@@ -52,7 +52,7 @@ class TStatementSplitter {
   bool eof_ = false;
 
   std::string delimiter_;
-  std::array<bool, 256> normalStops_{};
+  std::array<char, 8> normalStops_{};
   State state_ = State::Normal;
   bool hasCode_ = false;
   bool statementDone_ = false;

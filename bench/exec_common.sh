@@ -1,0 +1,57 @@
+# Shared by the exec_*.sh benchmarks: options, sandbox, connection, and the generated dump.
+#   --dir SANDBOX_DIR   sandbox to use (default .sandbox)      --build BUILD_DIR (default build)
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+sandbox="$root/.sandbox"
+build="$root/build"
+while [[ ${1:-} == --* ]]; do
+  case $1 in
+    --dir) sandbox=$2; shift 2 ;;
+    --build) build=$2; shift 2 ;;
+    *) echo "unknown option $1" >&2; exit 2 ;;
+  esac
+done
+cli="$build/src/apps/lomarin-cli/lomarin-cli"
+[[ -x $cli ]] || { echo "build first: $cli is missing" >&2; exit 1; }
+
+"$root/scripts/sandbox-server" start --dir "$sandbox" >/dev/null
+# shellcheck disable=SC1091
+source "$sandbox/sandbox.env"
+conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
+work=${TMPDIR:-/tmp}/lomarin-bench
+mkdir -p "$work"
+
+sql() { mariadb --no-defaults "${conn[@]}" "$@"; }
+
+# Seconds of wall time of one command, its output discarded.
+wall() {
+  /usr/bin/time -f "%e" -o "$work/time" "$@" >/dev/null
+  cat "$work/time"
+}
+
+ratio() { awk -v a="$1" -v b="$2" 'BEGIN {printf "%.3f", a / b}'; }
+
+# A mariadb-dump file of about 200 MB with extended inserts, made from a generated table.
+make_dump() {
+  dump="$work/dump200.sql"
+  [[ -s $dump ]] && return
+  echo "generating a 200 MB dump in $dump ..." >&2
+  sql <<'SQL'
+CREATE DATABASE IF NOT EXISTS lomarin_bench;
+DROP TABLE IF EXISTS lomarin_bench.dumped;
+CREATE TABLE lomarin_bench.dumped (
+  id INT UNSIGNED NOT NULL PRIMARY KEY,
+  name VARCHAR(40) NOT NULL,
+  amount DECIMAL(12,2) NOT NULL,
+  created DATETIME NOT NULL,
+  note VARCHAR(200) NULL
+) ENGINE=InnoDB;
+SET SESSION max_recursive_iterations = 2000000;
+INSERT INTO lomarin_bench.dumped
+WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1750000)
+SELECT i, CONCAT('customer ', i), (i % 100000) / 100, '2024-01-01' + INTERVAL (i % 86400) SECOND,
+       IF(i % 7 = 0, NULL, CONCAT('it''s a note; -- for ', i, ' with "quotes", a # and a few more words'))
+FROM n;
+SQL
+  mariadb-dump --no-defaults "${conn[@]}" lomarin_bench dumped >"$dump"
+}
