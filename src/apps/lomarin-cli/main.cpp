@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli_options.h"
+#include "dump_command.h"
 #include "exec_command.h"
 #include "query_command.h"
 
@@ -14,6 +15,7 @@ void usage(std::FILE* to) {
                "usage: lomarin-cli COMMAND [options] ARGUMENTS\n"
                "commands:\n"
                "  query STATEMENT   print one statement's result as tab-separated rows\n"
+               "  dump DATABASE     write a database as an SQL script (dump --help for its flags)\n"
                "  exec FILE         run a script; --optimize sends statements in batches\n"
                "connection options: --host --port --user --password --database --socket\n"
                "                    --ssl --ssl-ca --ssl-cert --ssl-key --ssl-cipher --compress\n"
@@ -35,6 +37,7 @@ int main(int argc, char** argv) {
   try {
     const auto args = lomarin::cli::parseArgs(std::vector<std::string>(argv + 2, argv + argc));
     if (command == "query") return lomarin::cli::runQuery(args, stdout, stderr);
+    if (command == "dump") return lomarin::cli::runDump(args, stdout, stderr);
     if (command == "exec") return lomarin::cli::runExec(args, stderr);
   } catch (const std::invalid_argument& error) {
     std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
