@@ -108,7 +108,7 @@ std::vector<DatabaseEntry> databaseEntries(const std::vector<std::string>& liste
   };
   std::vector<DatabaseEntry> entries;
   for (const auto& name : listed) entries.push_back(entry(name));
-  if (entries.empty()) entries.push_back(entry(std::string(sessionDatabase)));
+  if (entries.empty() && !sessionDatabase.empty()) entries.push_back(entry(std::string(sessionDatabase)));
   return entries;
 }
 

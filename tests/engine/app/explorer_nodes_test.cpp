@@ -36,6 +36,7 @@ TEST(ExplorerNodes, RootAndDatabaseLevel) {
   ASSERT_EQ(alone.size(), 1u);
   EXPECT_EQ(alone[0].name, "shop");
   EXPECT_EQ(alone[0].imageIndex, image::Database);
+  EXPECT_TRUE(databaseEntries({}, "", "").empty());
 }
 
 TEST(ExplorerNodes, FolderStatements) {
