@@ -1,0 +1,95 @@
+#!/usr/bin/env bash
+# Dumps 8 sysbench-like tables of 125 000 rows each with `lomarin-cli dump` and with mariadb-dump,
+# on the same sandbox server in the same run; prints wall time (median of RUNS) and peak memory
+# of each, then restores our script into a scratch database and compares every table's checksum.
+#   bench/dump_compare.sh [--dir SANDBOX_DIR] [--cli PATH] [RUNS]
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+sandbox="$root/.sandbox"
+cli="$root/build/src/apps/lomarin-cli/lomarin-cli"
+while [[ ${1:-} == --* ]]; do
+  case $1 in
+    --dir) sandbox=$2; shift 2 ;;
+    --cli) cli=$2; shift 2 ;;
+    *) echo "unknown option $1" >&2; exit 2 ;;
+  esac
+done
+runs=${1:-3}
+[[ -x $cli ]] || { echo "build first: $cli is missing" >&2; exit 1; }
+
+"$root/scripts/sandbox-server" start --dir "$sandbox" >/dev/null
+# shellcheck disable=SC1091
+source "$sandbox/sandbox.env"
+conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
+sql() { mariadb --no-defaults "${conn[@]}" "$@"; }
+
+db=lomarin_sbtest
+tables=8
+rows=125000
+have=$(sql -N -e "SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA = '$db'" 2>/dev/null || echo 0)
+if [[ $have != "$tables" ]] || [[ $(sql -N -e "SELECT COUNT(*) FROM $db.sbtest$tables") != "$rows" ]]; then
+  echo "creating $db: $tables tables of $rows rows..."
+  sql -e "DROP DATABASE IF EXISTS $db; CREATE DATABASE $db"
+  for ((t = 1; t <= tables; t++)); do
+    sql "$db" <<SQL
+CREATE TABLE sbtest$t (
+  id INT NOT NULL AUTO_INCREMENT,
+  k INT NOT NULL DEFAULT 0,
+  c CHAR(120) NOT NULL DEFAULT '',
+  pad CHAR(60) NOT NULL DEFAULT '',
+  PRIMARY KEY (id),
+  KEY k_$t (k)
+) ENGINE=InnoDB;
+SET SESSION max_recursive_iterations = $rows;
+INSERT INTO sbtest$t (id, k, c, pad)
+WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < $rows)
+SELECT i, FLOOR(RAND() * $rows),
+       CONCAT_WS('-', LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0')),
+       CONCAT_WS('-', LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'))
+FROM n;
+SQL
+  done
+fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+measure() {  # prints "seconds kilobytes" of one run; the command's output goes to $work/out.sql
+  /usr/bin/time -f "%e %M" -o "$work/time" "$@" >"$work/out.sql"
+  cat "$work/time"
+}
+median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}'; }
+
+declare -a ours theirs ours_mem theirs_mem
+for ((i = 0; i < runs; i++)); do
+  read -r t m < <(measure "$cli" dump "${conn[@]}" "$db"); ours+=("$t"); ours_mem+=("$m")
+  cp "$work/out.sql" "$work/ours.sql"
+  read -r t m < <(measure mariadb-dump --no-defaults "${conn[@]}" "$db"); theirs+=("$t"); theirs_mem+=("$m")
+done
+
+t_ours=$(printf '%s\n' "${ours[@]}" | median)
+t_theirs=$(printf '%s\n' "${theirs[@]}" | median)
+m_ours=$(printf '%s\n' "${ours_mem[@]}" | sort -n | tail -1)
+m_theirs=$(printf '%s\n' "${theirs_mem[@]}" | sort -n | tail -1)
+echo "script size            : $(stat -c %s "$work/ours.sql") bytes (mariadb-dump: $(stat -c %s "$work/out.sql"))"
+echo "lomarin-cli dump       : ${t_ours} s (median of $runs), peak ${m_ours} KiB"
+echo "mariadb-dump           : ${t_theirs} s (median of $runs), peak ${m_theirs} KiB"
+awk -v a="$t_ours" -v b="$t_theirs" 'BEGIN {printf "wall-time ratio        : %.3f\n", a / b}'
+
+# The script must restore to the same rows, or the timing means nothing.
+sql -e "DROP DATABASE IF EXISTS ${db}_restore; CREATE DATABASE ${db}_restore"
+sql "${db}_restore" <"$work/ours.sql"
+list=$(for ((t = 1; t <= tables; t++)); do printf 'sbtest%d,' "$t"; done)
+sums() { sql -N -e "CHECKSUM TABLE ${list%,}" "$1" | awk '{print $2}'; }
+if [[ $(sums "$db") == "$(sums "${db}_restore")" ]]; then
+  echo "restored checksums     : equal ($tables tables)"
+else
+  echo "restored checksums differ" >&2
+  exit 1
+fi
+sql -e "DROP DATABASE ${db}_restore"
