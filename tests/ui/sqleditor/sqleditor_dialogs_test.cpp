@@ -1,0 +1,184 @@
+#include <Qsci/qsciscintilla.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <filesystem>
+
+#include "engine/connect/sql_monitor.h"
+#include "engine/sqleditor/query_params.h"
+#include "engine/sqleditor/sql_history.h"
+#include "test_server.h"
+#include "ui/sqleditor/form_exec_script.h"
+#include "ui/sqleditor/form_parameters_monitor.h"
+#include "ui/sqleditor/form_params_manager.h"
+#include "ui/sqleditor/form_sql_history.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using namespace lomarin;
+using namespace lomarin::ui;
+
+// With LOMARIN_SNAPSHOT_DIR set, each dialog is saved there as a PNG to be looked at.
+void snapshot(QWidget* widget, const char* name) {
+  const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
+  if (!dir.isEmpty()) widget->grab().save(QString::fromUtf8(dir) + "/" + name + ".png");
+}
+
+template <class T>
+T* child(QWidget* parent, const char* name) {
+  T* found = parent->findChild<T*>(name);
+  if (!found) qFatal("no widget %s", name);
+  return found;
+}
+
+// Runs check on the modal dialog once it is up.
+void whenModal(std::function<void(QDialog*)> check) {
+  QTimer::singleShot(0, [check] {
+    QDialog* dialog = nullptr;
+    QTRY_VERIFY((dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) != nullptr);
+    check(dialog);
+  });
+}
+
+class SqlEditorDialogsTest : public QObject {
+  Q_OBJECT
+
+  std::filesystem::path folder_;
+
+ private slots:
+  void init() {
+    folder_ = std::filesystem::temp_directory_path() / "lomarin_ui_sqleditor";
+    std::filesystem::remove_all(folder_);
+  }
+  void cleanup() { std::filesystem::remove_all(folder_); }
+
+  void execScriptStaysOpenOnErrorAndClosesOnSuccess() {
+    auto session = test::connect();
+    TMySQLMonitor monitor;
+    QStringList sent;
+    monitor.addListener([&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
+    session->setMonitor(&monitor);
+    QStringList shown;
+    TformExecScript bad(*session, "create table ui_exec (a int) engine = nosuch_engine_x", [&](const QString& m) { shown << m; });
+    QCOMPARE(bad.windowTitle(), QString("Exec SQL"));
+    QCOMPARE(child<QsciScintilla>(&bad, "frameSQL")->text(), QString("create table ui_exec (a int) engine = nosuch_engine_x"));
+    QVERIFY(child<QsciScintilla>(&bad, "frameSQL")->isReadOnly());
+    bad.show();
+    snapshot(&bad, "exec_script");
+    child<QPushButton>(&bad, "btnExecute")->click();
+    QCOMPARE(shown.size(), 1);
+    QVERIFY(bad.isVisible());
+    QVERIFY(!bad.Success());
+
+    test::sideExec("DROP TABLE IF EXISTS lomarin_test.ui_exec");
+    TformExecScript good(*session, "create table ui_exec (a int)", {});
+    good.show();
+    child<QPushButton>(&good, "btnExecute")->click();
+    QVERIFY(good.Success());
+    QVERIFY(!good.isVisible());
+    QCOMPARE(good.result(), int(QDialog::Accepted));
+    QCOMPARE(sent.last(), QString("create table ui_exec (a int)"));
+
+    TformExecScript closed(*session, "drop table ui_exec", {});
+    closed.show();
+    const int before = sent.size();
+    child<QPushButton>(&closed, "btnClose")->click();
+    QCOMPARE(closed.result(), int(QDialog::Rejected));
+    QCOMPARE(sent.size(), before);
+  }
+
+  void historyShowsNewestAndReturnsTheCopyChoice() {
+    THsitory history(folder_, true);
+    history.addRecToHistory("select 1", "root@localhost");
+    history.addRecToHistory("select *\nfrom customers", "root@localhost");
+    TformSQLHistory dialog(history, {});
+    QCOMPARE(dialog.windowTitle(), QString("SQL history"));
+    auto* grid = child<QTableView>(&dialog, "grdHistory");
+    QCOMPARE(grid->model()->rowCount(), 2);
+    QCOMPARE(grid->currentIndex().row(), 1);
+    QCOMPARE(child<QsciScintilla>(&dialog, "frameSQL")->text(), QString("select *\nfrom customers"));
+    QVERIFY(child<QRadioButton>(&dialog, "rbSQLEditor")->isChecked());
+    dialog.show();
+    snapshot(&dialog, "sql_history");
+    grid->selectRow(0);
+    QCOMPARE(child<QsciScintilla>(&dialog, "frameSQL")->text(), QString("select 1"));
+    child<QRadioButton>(&dialog, "rbClipboard")->setChecked(true);
+    child<QPushButton>(&dialog, "btnOk")->click();
+    QCOMPARE(dialog.result(), TformSQLHistory::ResultYes);
+    QCOMPARE(dialog.SelectedSQL(), QString("select 1"));
+  }
+
+  void askMacroValuesFormatsStoresAndStopsAtCancel() {
+    TMyParams params(folder_);
+    TMacros macros = MacrosOf("select * from t where price > &price and name = &name");
+    QStringList shown;
+    whenModal([this](QDialog* dialog) {
+      QCOMPARE(dialog->windowTitle(), QString("Parameter Manager"));
+      QCOMPARE(child<QLineEdit>(dialog, "edtName")->text(), QString("price"));
+      QVERIFY(child<QCheckBox>(dialog, "chkSaveVariable")->isChecked());
+      QVERIFY(!child<QCheckBox>(dialog, "chkUseOldParam")->isChecked());
+      child<QComboBox>(dialog, "cboDataType")->setCurrentText("Float");
+      child<QLineEdit>(dialog, "edtValue")->setText("3.5");
+      snapshot(dialog, "params_manager");
+      child<QPushButton>(dialog, "btnOk")->click();
+      whenModal([](QDialog* second) {
+        QCOMPARE(child<QLineEdit>(second, "edtName")->text(), QString("name"));
+        child<QPushButton>(second, "btnCancel")->click();
+      });
+    });
+    QVERIFY(!AskMacroValues(macros, params, [&](const QString& m) { shown << m; }, nullptr));
+    QCOMPARE(macros[0].Value, std::string("'3,5'"));
+    QCOMPARE(macros[1].Value, std::string());
+    QVERIFY(shown.isEmpty());
+    params.LoadFile();
+    QCOMPARE(params.Table().RecordCount(), size_t(1));
+    QCOMPARE(params.Table().Records()[0], (TVirtualTable::Record{"price", "3.5", "Float"}));
+  }
+
+  void oldParamIsUsedOrReportedMissing() {
+    TMyParams params(folder_);
+    params.addRecToParamas("id", "7", "Integer");
+    QStringList shown;
+    TformParamsManager missing(params, "other", true, [&](const QString& m) { shown << m; });
+    missing.show();
+    child<QCheckBox>(&missing, "chkUseOldParam")->setChecked(true);
+    child<QPushButton>(&missing, "btnOk")->click();
+    QCOMPARE(shown, QStringList{"Variable not found in  the old values."});
+    QVERIFY(missing.isVisible());
+
+    TformParamsManager found(params, "id", true, {});
+    found.show();
+    QCOMPARE(child<QTableView>(&found, "grdOldValues")->currentIndex().row(), 0);
+    child<QCheckBox>(&found, "chkUseOldParam")->setChecked(true);
+    child<QPushButton>(&found, "btnOk")->click();
+    QCOMPARE(found.result(), int(QDialog::Accepted));
+    QCOMPARE(found.Result(), QString("7"));
+  }
+
+  void parametersMonitorRefreshesFromTheFile() {
+    TMyParams params(folder_);
+    params.addRecToParamas("id", "7", "Integer");
+    TformParametersMonitor monitor(params, {});
+    auto* grid = child<QTableView>(&monitor, "grdParams");
+    QCOMPARE(grid->model()->rowCount(), 1);
+    TMyParams(folder_).addRecToParamas("name", "abc", "String");
+    child<QPushButton>(&monitor, "btnRefresh")->click();
+    QCOMPARE(grid->model()->rowCount(), 2);
+    QCOMPARE(grid->model()->headerData(1, Qt::Horizontal).toString(), QString("VarValue"));
+    monitor.show();
+    snapshot(&monitor, "parameters_monitor");
+  }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(SqlEditorDialogsTest)
+#include "sqleditor_dialogs_test.moc"
