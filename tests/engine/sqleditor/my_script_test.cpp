@@ -140,15 +140,16 @@ TEST(MyScript, BreakExecInterruptsTheStatementInProgress) {
     script.UseOptimization = optimize;
     std::string errors;
     script.OnError = CollectScriptErrors(errors);
+    std::chrono::steady_clock::time_point asked;
     std::thread stopper([&] {
       std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      asked = std::chrono::steady_clock::now();
       script.BreakExec();
     });
-    const auto start = std::chrono::steady_clock::now();
     script.Execute();
-    const auto took = std::chrono::steady_clock::now() - start;
+    const auto ended = std::chrono::steady_clock::now();
     stopper.join();
-    EXPECT_LT(took, std::chrono::milliseconds(1300)) << optimize;
+    EXPECT_LT(ended - asked, std::chrono::seconds(1)) << optimize;
     EXPECT_TRUE(script.Stopped());
     EXPECT_EQ(errors, "");
     // Batched, "select 3" travels with the sleep; one by one it is never sent.
