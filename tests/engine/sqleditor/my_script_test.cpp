@@ -103,6 +103,21 @@ TEST(MyScript, DelimiterBlocksAndMacros) {
                       }));
 }
 
+TEST(MyScript, BatchesLeaveOutWhatTheServerWouldReadDifferently) {
+  auto session = test::connect();
+  SentLog log(*session);
+  TMyScript script(*session);
+  // A line comment at the end would swallow the separator; a CALL answers with several results.
+  script.SQL = "select 1;\nselect 2;\nselect 3 -- three\n;\nselect 4;\nselect 5;\nCALL no_such_proc();\nselect 6;";
+  script.UseOptimization = true;
+  std::string errors;
+  script.OnError = CollectScriptErrors(errors);
+  script.Execute();
+  EXPECT_EQ(log.sent, (std::vector<std::string>{"select 1;\nselect 2", "select 3 -- three", "select 4;\nselect 5",
+                                                "CALL no_such_proc()", "select 6"}));
+  EXPECT_EQ(errors, "CALL no_such_proc()\rPROCEDURE lomarin_test.no_such_proc does not exist\n");
+}
+
 TEST(MyScript, ProgressReachesTheTotal) {
   auto session = test::connect();
   TMyScript script(*session);

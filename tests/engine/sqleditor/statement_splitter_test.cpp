@@ -47,6 +47,7 @@ const std::vector<Case>& cases() {
       {"delimiter needs an argument", "delimiter\n;", {"delimiter"}},
       {"delimiter inside a statement is text", "select 1\ndelimiter $$\n;", {"select 1\r\ndelimiter $$"}},
       {"CRLF and LF give the same", "select 1,\r\n2;\nselect\n3;", {"select 1,\r\n2", "select\r\n3"}},
+      {"CRLF delimiter lines", "DELIMITER $$\r\nselect 1$$\r\nDELIMITER ;\r\nselect 2;\r\n", {"select 1", "select 2"}},
       {"line breaks inside quotes join with CRLF", "select 'a\nb';", {"select 'a\r\nb'"}},
       {"open quote at end", "select 1; select 'abc;\n", {"select 1", "select 'abc;"}},
       {"open comment at end", "select 1; /* never closed;", {"select 1"}},
