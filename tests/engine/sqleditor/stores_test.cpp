@@ -3,8 +3,12 @@
 #include <fstream>
 #include <iterator>
 
+#include "engine/app/option_names.h"
+#include "engine/app/settings_store.h"
+#include "engine/connect/my_connection.h"
 #include "engine/sqleditor/query_params.h"
 #include "engine/sqleditor/sql_history.h"
+#include "engine/sqleditor/sqleditor_options.h"
 
 namespace lomarin {
 namespace {
@@ -114,6 +118,31 @@ TEST_F(StoreFolder, ParamsReplaceByNameAndKeepThirty) {
   reader.LoadFile();
   EXPECT_EQ(reader.Table().RecordCount(), 29u);
   EXPECT_FALSE(reader.Find("v39"));
+}
+
+TEST_F(StoreFolder, OptionsDecideRecordingAndTheScriptRunner) {
+  std::filesystem::create_directories(folder);
+  setenv("LOMARIN_DATA_DIR", folder.c_str(), 1);
+  SettingsStore settings(folder / "settings.sqlite");
+  OpenHistory(settings).addRecToHistory("select 1", "o");
+  EXPECT_FALSE(std::filesystem::exists(folder / "history.vtd"));
+  settings.write(opt::SqlTrace, true);
+  OpenHistory(settings).addRecToHistory("select 1", "o");
+  EXPECT_TRUE(std::filesystem::exists(folder / "history.vtd"));
+  OpenParams().addRecToParamas("id", "7", "Integer");
+  EXPECT_TRUE(std::filesystem::exists(folder / "params.vtd"));
+  unsetenv("LOMARIN_DATA_DIR");
+
+  TMyConnection session;
+  TMyScript script(session);
+  ApplyScriptOptions(script, settings);
+  EXPECT_EQ(script.Delimiter, ";");
+  EXPECT_FALSE(script.UseOptimization);
+  settings.write(opt::ScriptDelimiter, "$$");
+  settings.write(opt::ScriptExecutionOptime, true);
+  ApplyScriptOptions(script, settings);
+  EXPECT_EQ(script.Delimiter, "$$");
+  EXPECT_TRUE(script.UseOptimization);
 }
 
 }  // namespace
