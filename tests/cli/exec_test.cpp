@@ -63,6 +63,19 @@ TEST(ExecCommand, ReportsEachFailureAndRunsTheRest) {
   EXPECT_EQ(runExec(parseArgs({"a.sql", "--fast"}), std::tmpfile()), 2);
 }
 
+TEST(ExecCommand, ClientCommandsGoToTheServerAsText) {
+  const auto marker = std::filesystem::temp_directory_path() / "lomarin_exec_marker";
+  std::filesystem::remove(marker);
+  const auto file = writeScript("lomarin_exec_client.sql", "\\! touch " + marker.string() + "\nsystem touch " +
+                                                               marker.string() + ";\nselect 1;\n");
+  std::string err;
+  EXPECT_EQ(exec("lomarin_test", file.string(), false, &err), 1);
+  EXPECT_NE(err.find("\\! touch " + marker.string() + "\r\nsystem touch " + marker.string() + "\nERROR 1064 (42000)"),
+            std::string::npos)
+      << err;
+  EXPECT_FALSE(std::filesystem::exists(marker));
+}
+
 std::string checksums(TMyConnection& session, const std::string& database) {
   TMyQuery tables(session);
   tables.SQL = "select table_name from information_schema.tables where table_schema = '" + database +
