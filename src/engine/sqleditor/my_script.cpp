@@ -126,6 +126,7 @@ class TMyScript::Runner {
         break;
       } catch (const ServerError& error) {
         script_.endStatement();
+        if (first + done >= batch_.size()) done = batch_.size() - first - 1;
         const std::string& failed = batch_[first + done];
         // A syntax error quotes the text after the error point, which in a batch runs into the
         // next statements; the statement alone has no effect and gives its own message.
