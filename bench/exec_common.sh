@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by the exec_*.sh benchmarks: options, sandbox, connection, and the generated dump.
 #   --dir SANDBOX_DIR   sandbox to use (default .sandbox)      --build BUILD_DIR (default build)
 set -euo pipefail

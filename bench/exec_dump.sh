@@ -17,5 +17,8 @@ sql -e "DROP DATABASE $db"
 echo "mariadb < file   : $(mean_of peer) s mean of 2 (client CPU $(cpu_mean_of peer) s)"
 echo "lomarin-cli exec : $(mean_of ours) s mean of 2 (client CPU $(cpu_mean_of ours) s)"
 echo "wall-time ratio  : $(ratio "$(mean_of ours)" "$(mean_of peer)")"
-[[ ${sums[ours]} == "${sums[peer]}" ]] && echo "checksums equal (${sums[ours]})" ||
-  { echo "checksums differ: ${sums[ours]} vs ${sums[peer]}" >&2; exit 1; }
+if [[ ${sums[ours]} != "${sums[peer]}" ]]; then
+  echo "checksums differ: ${sums[ours]} vs ${sums[peer]}" >&2
+  exit 1
+fi
+echo "checksums equal (${sums[ours]})"
