@@ -8,10 +8,14 @@
 #include <QRadioButton>
 #include <QTableView>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
+#include <chrono>
 #include <filesystem>
 
 #include "engine/connect/sql_monitor.h"
+#include "engine/sqleditor/my_script.h"
+#include "engine/sqleditor/script_services.h"
 #include "engine/sqleditor/query_params.h"
 #include "engine/sqleditor/sql_history.h"
 #include "test_server.h"
@@ -19,6 +23,7 @@
 #include "ui/sqleditor/form_parameters_monitor.h"
 #include "ui/sqleditor/form_params_manager.h"
 #include "ui/sqleditor/form_sql_history.h"
+#include "ui/sqleditor/script_progress.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -161,6 +166,49 @@ class SqlEditorDialogsTest : public QObject {
     child<QPushButton>(&found, "btnOk")->click();
     QCOMPARE(found.result(), int(QDialog::Accepted));
     QCOMPARE(found.Result(), QString("7"));
+  }
+
+  void scriptRunsBesideTheWindowAndStops() {
+    auto session = test::connect();
+    TMyScript script(*session);
+    script.SQL = "select 1; select * from no_such_table; select sleep(5); select 2;";
+    std::string errors;
+    bool errorsOnGuiThread = false;
+    script.OnError = [&](const ServerError& error, const std::string& statement, TErrorAction& action) {
+      errorsOnGuiThread = QThread::currentThread() == qApp->thread();
+      ScriptError(errors, error, statement, action);
+    };
+    QDialog* progress = nullptr;
+    std::chrono::steady_clock::time_point stopAsked;
+    // Polled without waiting inside: the run's own event loop must get on meanwhile.
+    QTimer poll;
+    poll.setInterval(50);
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+      progress = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      if (!progress || progress->objectName() != "ScriptProgress") return;
+      poll.stop();
+      snapshot(progress, "script_progress");
+      stopAsked = std::chrono::steady_clock::now();
+      child<QPushButton>(progress, "btnStop")->click();
+    });
+    poll.start();
+    RunScriptWithProgress(script, nullptr, "Running script");
+    QVERIFY(progress != nullptr);
+    QVERIFY(std::chrono::steady_clock::now() - stopAsked < std::chrono::seconds(1));
+    QVERIFY(script.Stopped());
+    QVERIFY(errorsOnGuiThread);
+    QCOMPARE(errors, std::string("select * from no_such_table\rTable 'lomarin_test.no_such_table' doesn't exist\n"));
+
+    // A quick run shows no dialog, and a failure without a handler comes back here.
+    script.OnError = nullptr;
+    script.SQL = "select 1; select * from no_such_table";
+    bool thrown = false;
+    try {
+      RunScriptWithProgress(script, nullptr, "Running script");
+    } catch (const ServerError& error) {
+      thrown = error.number() == 1146;
+    }
+    QVERIFY(thrown);
   }
 
   void parametersMonitorRefreshesFromTheFile() {
