@@ -1,5 +1,7 @@
 #include "engine/sqleditor/run_current.h"
 
+#include <algorithm>
+#include <array>
 #include <cctype>
 
 namespace lomarin {
@@ -47,6 +49,15 @@ TRunCurrentPlan PlanRunCurrent(const std::vector<std::string>& lines, int caretL
   }
   plan.Text = CollectStatementBlock(lines, plan.StartLine);
   return plan;
+}
+
+std::optional<std::string> TreeNodeStatement(std::string_view caption, int start, int end, std::string_view text) {
+  static constexpr std::array<std::string_view, 6> kKinds = {"select", "delete", "update", "drop", "create", "insert"};
+  std::string lower(caption);
+  std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return std::tolower(c); });
+  if (std::find(kKinds.begin(), kKinds.end(), lower) == kKinds.end()) return std::nullopt;
+  if (start < 0 || start >= end || static_cast<size_t>(start) >= text.size()) return std::nullopt;
+  return std::string(text.substr(static_cast<size_t>(start), static_cast<size_t>(end - start)));
 }
 
 }  // namespace lomarin

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lomarin {
@@ -16,5 +18,10 @@ struct TRunCurrentPlan {
   int MarkerY = 0;    // where the "executed" marker is drawn (x = 10)
 };
 TRunCurrentPlan PlanRunCurrent(const std::vector<std::string>& lines, int caretLine);
+
+// What running a node of the editor's statement tree sends: for a node captioned "select",
+// "delete", "update", "drop", "create" or "insert" (any letter case) whose text range has
+// 0 <= start < end, the text from offset start, end - start long. Other nodes run nothing.
+std::optional<std::string> TreeNodeStatement(std::string_view caption, int start, int end, std::string_view text);
 
 }  // namespace lomarin

@@ -67,6 +67,17 @@ TEST(RunCurrent, BlocksAroundTheCaret) {
   EXPECT_EQ(PlanRunCurrent(lines, 0).Text, "\n\rselect 1\n\rfrom dual");
 }
 
+TEST(RunCurrent, StatementOfATreeNode) {
+  const std::string text = "select 1;\nDELETE from t;";
+  EXPECT_EQ(TreeNodeStatement("SELECT", 0, 8, text), "select 1");
+  EXPECT_EQ(TreeNodeStatement("Delete", 10, 23, text), "DELETE from t");
+  EXPECT_EQ(TreeNodeStatement("Delete", 10, 99, text), "DELETE from t;");
+  EXPECT_EQ(TreeNodeStatement("From", 0, 8, text), std::nullopt);
+  EXPECT_EQ(TreeNodeStatement("select ", 0, 8, text), std::nullopt);
+  EXPECT_EQ(TreeNodeStatement("select", 5, 5, text), std::nullopt);
+  EXPECT_EQ(TreeNodeStatement("select", -1, 5, text), std::nullopt);
+}
+
 TEST(Macros, FoundOutsideQuotesAndComments) {
   const std::string sql = "select &id, '&no', `&no`, \"&no\" -- &no\n, &Name /* &no */ # &no\n"
                           "where a && b and c = &id and d=&name2 &&x";
