@@ -13,6 +13,8 @@ namespace lomarin::ui {
 // The general text editor: a file that is not an SQL script, as a document of the main window.
 class TformEditorEX : public QWidget {
   Q_OBJECT
+  // The main window finds open documents by this property.
+  Q_PROPERTY(QString fileName READ fileName)
  public:
   TformEditorEX(const SettingsStore& settings, QWidget* parent = nullptr);
 

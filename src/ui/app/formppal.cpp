@@ -13,19 +13,23 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QToolBar>
+#include <QTreeWidget>
 
 #include "engine/app/action_table.h"
 #include "engine/app/settings_store.h"
 #include "engine/app/shell_statements.h"
 #include "engine/app/shell_text.h"
 #include "engine/connect/accounts.h"
+#include "engine/connect/server_version.h"
 #include "ui/app/editor_ex.h"
+#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/exception_dialog.h"
 #include "ui/app/main_actions.h"
 #include "ui/app/monitor_relay.h"
 #include "ui/app/options_dialog.h"
 #include "ui/app/select_database.h"
 #include "ui/app/window_layout.h"
+#include "ui/connect/form_connect.h"
 #include "ui/connect/lost_connection_prompt.h"
 
 namespace lomarin::ui {
@@ -65,17 +69,26 @@ Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
 }
 
 Tformppal::~Tformppal() {
-  // Documents may still hold queries on the session: close them before it goes.
+  // Documents and the tree may still hold queries on the session, and the relay listens to the
+  // monitor: all of them go before the session and the monitor do.
   mdiArea_->closeAllSubWindows();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   MySqlSession.Events = {};
   if (MySqlSession.Connected()) MySqlSession.Disconnect();
+  delete paneSideBar_;
+  delete monitorRelay_;
 }
 
 void Tformppal::createPanes() {
   paneSideBar_ = new QDockWidget(tr("Object navigator"), this);
   paneSideBar_->setObjectName("paneSideBar");
-  paneSideBar_->setWidget(new QWidget(paneSideBar_));
+  explorer_ = new TframeExplorer(MySqlSession, paneSideBar_);
+  paneSideBar_->setWidget(explorer_);
+  connect(explorer_, &TframeExplorer::databaseActivated, this, &Tformppal::useDatabase);
+  explorer_->tree()->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(explorer_->tree(), &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+    actions_->menu("Nav")->popup(explorer_->tree()->viewport()->mapToGlobal(at));
+  });
   addDockWidget(Qt::LeftDockWidgetArea, paneSideBar_);
   resizeDocks({paneSideBar_}, {kSideBarWidth}, Qt::Horizontal);
 
@@ -119,6 +132,8 @@ void Tformppal::registerHandlers() {
     if (!file.isEmpty()) CheckParam(file);
   });
   a.setHandler("actReopen", [this] { tbmMRU_->popup(QCursor::pos()); });
+  a.setHandler("actConect", [this] { connectToggle(); });
+  a.setHandler("actRefresh", [this] { explorer_->refresh(); });
   a.setHandler("actDisconect", [this] {
     if (MySqlSession.Connected()) connectToggle();
   });
@@ -128,7 +143,7 @@ void Tformppal::registerHandlers() {
   a.setHandler("actchangedatabase", [this] {
     TformSelectDatabase dialog(MySqlSession, this);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedDatabase().isEmpty())
-      ExecSQLText(MySqlSession, useDatabaseStatement(dialog.selectedDatabase().toStdString()));
+      useDatabase(dialog.selectedDatabase());
   });
   for (const FlushCommand& flush : flushCommands()) {
     a.setHandler(flush.action, [this, statement = flush.statement] {
@@ -223,8 +238,14 @@ bool Tformppal::currentdb() {
   if (!MySqlSession.Connected() || !MySqlSession.CurrentDatabase().empty()) return true;
   TformSelectDatabase dialog(MySqlSession, this);
   if (dialog.exec() == QDialog::Accepted && !dialog.selectedDatabase().isEmpty())
-    ExecSQLText(MySqlSession, useDatabaseStatement(dialog.selectedDatabase().toStdString()));
+    useDatabase(dialog.selectedDatabase());
   return false;
+}
+
+void Tformppal::useDatabase(const QString& database) {
+  // A failure reaches the user through the session's error event.
+  if (ExecSQLText(MySqlSession, useDatabaseStatement(database.toStdString())))
+    explorer_->markCurrentDatabase(database);
 }
 
 void Tformppal::ShowServerError(const QString& text) {
@@ -248,7 +269,11 @@ void Tformppal::connectToggle() {
   if (MySqlSession.Connected()) {
     MySqlSession.Disconnect();
     setWindowTitle(qs(kProductTitle));
+    return;
   }
+  TformConnect dialog(settings_, MySqlSession, this);
+  connect(&dialog, &TformConnect::aboutToConnect, explorer_, &TframeExplorer::setDatabaseFilter);
+  dialog.exec();
 }
 
 void Tformppal::onAfterConnect() {
@@ -264,17 +289,24 @@ void Tformppal::onAfterConnect() {
   actions_->setConnected(true);
   const TMySessionSettings& s = MySqlSession.Settings;
   setWindowTitle(qs(connectedCaption(s.Username, s.Database, s.Server)));
+  explorer_->buildRoot();
+  explorer_->markCurrentDatabase(qs(s.Database));
   QCoreApplication::processEvents();
   if (settings_.read(opt::SavePassWord)) settings_.write(opt::DefaultPassword, s.Password);
   if (settings_.read(opt::DefaultHostOption)) settings_.write(opt::DefaultDatabaseHost, s.Server);
   paneSideBar_->show();
-  actions_->applyServerVersion(MySqlSession.ServerMajorVersion(), MySqlSession.ServerVersionNumber());
+  applyServerVersion(MySqlSession.ServerVersion());
+}
+
+void Tformppal::applyServerVersion(const std::string& versionText) {
+  actions_->applyServerVersion(ServerMajorVersion(versionText), ServerVersionNumber(versionText));
 }
 
 void Tformppal::onBeforeDisconnect() {
   WaitCursor wait;
   actions_->setConnected(false);
   MySqlMonitor.setActive(false);
+  explorer_->clearObjects();
   QCoreApplication::processEvents();
   paneSideBar_->show();
 }

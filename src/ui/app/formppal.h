@@ -23,6 +23,7 @@ namespace lomarin::ui {
 
 class MainActions;
 class MonitorRelay;
+class TframeExplorer;
 struct WindowLayout;
 
 // The main window: owns the one server session, the object explorer, the message output pane,
@@ -41,9 +42,14 @@ class Tformppal : public QMainWindow {
   QMdiArea* mdiArea() const { return mdiArea_; }
   QDockWidget* paneOut() const { return paneOut_; }
   QDockWidget* paneSideBar() const { return paneSideBar_; }
+  TframeExplorer* explorer() const { return explorer_; }
   const MruList& recentFiles() const { return mru_; }
   bool outputWithStatement() const { return outputWithStatement_; }
   int skinType() const { return skinType_; }
+  int outputHeight() const { return outputHeight_; }
+
+  // Shows the actions a server of this version (its handshake text) supports, hides the others.
+  void applyServerVersion(const std::string& versionText);
 
   // Set by the connect dialog while the session runs through an SSH tunnel.
   void setSshTunnelInUse(bool inUse) { sshTunnelInUse_ = inUse; }
@@ -51,7 +57,8 @@ class Tformppal : public QMainWindow {
 
   // Opens a file as a document, as from the command line.
   void CheckParam(const QString& fileName);
-  // Documents register how files of an extension (".sql") open; the others open as text.
+  // Documents register how files of an extension (".sql") open; the others open as text. A
+  // document that shows a file names it in its "fileName" property.
   using FileOpener = std::function<QWidget*(const QString& fileName)>;
   void setFileOpener(const QString& extension, FileOpener opener);
 
@@ -83,6 +90,7 @@ class Tformppal : public QMainWindow {
   QWidget* openTextEditor(const QString& fileName);
 
   void connectToggle();
+  void useDatabase(const QString& database);
   void onAfterConnect();
   void onBeforeDisconnect();
   void onAfterDisconnect();
@@ -96,6 +104,7 @@ class Tformppal : public QMainWindow {
   QDockWidget* paneOut_;
   QPlainTextEdit* memOutput_;
   QDockWidget* paneSideBar_;
+  TframeExplorer* explorer_;
   QMenu* tbmMRU_;
   MruList mru_;
   QHash<QString, FileOpener> openers_;

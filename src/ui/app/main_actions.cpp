@@ -16,6 +16,15 @@ QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static
 
 constexpr const char* kNeeds = "needs";
 
+// Two rows of toolbars: editing and navigation above, server work below.
+constexpr std::string_view kToolbarRows[][5] = {
+    {"tbtbarFile", "tbtEditBar", "tbtConectionBar", "tbtMdi", "tbtSerchBar"},
+    {"tbtDbBar", "tbtDbaBar", "tbtSchema", "tbtProjects", ""},
+};
+
+// The tree's context menu, not a menu of the menu bar.
+constexpr std::string_view kTreeMenu = "Nav";
+
 }  // namespace
 
 MainActions::MainActions(QMainWindow& window) : QObject(&window), window_(window) {
@@ -23,11 +32,17 @@ MainActions::MainActions(QMainWindow& window) : QObject(&window), window_(window
     auto* menu = window_.menuBar()->addMenu(qs(category));
     menu->setObjectName("mnu" + qs(category).remove(' '));
     menus_.insert(qs(category), menu);
+    if (category == kTreeMenu) menu->menuAction()->setVisible(false);
   }
   for (std::string_view name : toolbarNames()) {
-    auto* bar = window_.addToolBar(qs(name));
+    auto* bar = new QToolBar(qs(name), &window_);
     bar->setObjectName(qs(name));
     toolbars_.insert(qs(name), bar);
+  }
+  for (const auto& row : kToolbarRows) {
+    if (&row != &kToolbarRows[0]) window_.addToolBarBreak();
+    for (std::string_view name : row)
+      if (!name.empty()) window_.addToolBar(Qt::TopToolBarArea, toolbars_.value(qs(name)));
   }
   for (const ActionSpec& spec : mainActions()) {
     auto* action = new QAction(qs(spec.caption), &window_);

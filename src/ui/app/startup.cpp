@@ -8,6 +8,7 @@
 #include "engine/connect/accounts.h"
 #include "engine/connect/accounts_session.h"
 #include "ui/app/exception_dialog.h"
+#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
 #include "ui/app/instance_link.h"
 #include "ui/app/lomarin_application.h"
@@ -22,7 +23,8 @@ void connectAccount(Tformppal& window, SettingsStore& settings, const QString& n
     window.ShowServerError(QObject::tr("There is no account named \"%1\"").arg(name));
     return;
   }
-  applyAccountToSession(*account, window.MySqlSession.Settings);
+  const std::string filter = applyAccountToSession(*account, window.MySqlSession.Settings);
+  window.explorer()->setDatabaseFilter(QString::fromStdString(filter));
   try {
     window.MySqlSession.Connect();
   } catch (const ServerError&) {
