@@ -108,6 +108,7 @@ QFormLayout* TforOptions::page(const QString& title) {
   auto* scroll = new QScrollArea(pages_);
   scroll->setWidgetResizable(true);
   scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   auto* content = new QWidget(scroll);
   auto* form = new QFormLayout(content);
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
@@ -127,7 +128,8 @@ void TforOptions::addOption(QFormLayout* form, const BoolOption& option) {
 
 void TforOptions::addOption(QFormLayout* form, const StringOption& option) {
   const QString name = qs(option.name);
-  const QString value = qs(settings_.read(option, currentDefault(option).toStdString()));
+  const std::string fallback = option.def ? std::string(*option.def) : currentDefault(option).toStdString();
+  const QString value = qs(settings_.read(option, fallback));
   QWidget* parent = form->parentWidget();
   std::function<QString()> text;
   QWidget* field = nullptr;
