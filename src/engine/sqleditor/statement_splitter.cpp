@@ -4,8 +4,6 @@
 
 #include <cstring>
 
-#include "engine/sqleditor/byte_scan.h"
-
 namespace lomarin {
 
 namespace {
@@ -24,7 +22,7 @@ TStatementSplitter::TStatementSplitter(std::istream& in, std::string delimiter, 
 
 void TStatementSplitter::setDelimiter(std::string delimiter) {
   delimiter_ = delimiter.empty() ? ";" : std::move(delimiter);
-  normalStops_ = {'\n', '\'', '"', '`', '#', '-', '/', delimiter_[0]};
+  normalStops_ = detail::ByteSet<8>({'\n', '\'', '"', '`', '#', '-', '/', delimiter_[0]});
 }
 
 void TStatementSplitter::flushSegment() {
@@ -70,24 +68,24 @@ bool TStatementSplitter::next(std::string& statement) {
     if (!hasCode_ && state_ == State::Normal) {
       if (!scanLeadingBlanks()) continue;
     }
+    if (state_ != State::LineComment && state_ != State::BlockComment) {
+      scanCodeRun();
+      if (pos_ == end_) continue;
+    }
     switch (state_) {
       case State::Normal: scanNormal(); break;
-      case State::SingleQuote: scanQuoted('\'', true); break;
-      case State::DoubleQuote: scanQuoted('"', true); break;
-      case State::BackQuote: scanQuoted('`', false); break;
+      case State::SingleQuote: scanQuoted('\'', singleQuoteStops_); break;
+      case State::DoubleQuote: scanQuoted('"', doubleQuoteStops_); break;
+      case State::BackQuote: scanQuoted('`', backQuoteStops_); break;
       case State::LineComment: scanLineComment(); break;
       case State::BlockComment: scanBlockComment(); break;
     }
-    if (!statementDone_) continue;
-    if (hasCode_) return finishStatement(statement);
-    // Blanks and comments only: nothing to send.
-    stmt_.clear();
-    statementDone_ = false;
+    if (statementDone_) return finishStatement(statement);
   }
 }
 
 // Before the first code of a statement: skips leading blanks, opens comments, takes DELIMITER
-// lines and empty statements. Returns true when scanning should go on in the current state.
+// lines and drops empty statements. Returns true when scanning should go on in the current state.
 bool TStatementSplitter::scanLeadingBlanks() {
   while (pos_ < end_) {
     const char c = buf_[pos_];
@@ -105,10 +103,11 @@ bool TStatementSplitter::scanLeadingBlanks() {
     const char* p = buf_.data() + pos_;
     const size_t avail = end_ - pos_;
     if (avail >= delimiter_.size() && std::memcmp(p, delimiter_.data(), delimiter_.size()) == 0) {
+      // An empty statement, or one of comments only: nothing to send.
       pos_ += delimiter_.size();
       seg_ = pos_;
-      statementDone_ = true;
-      return true;
+      stmt_.clear();
+      continue;
     }
     if (c == '#' || (c == '-' && avail >= 2 && p[1] == '-' &&
                      (avail == 2 || dashCommentFollows(static_cast<unsigned char>(p[2]))))) {
@@ -159,9 +158,48 @@ bool TStatementSplitter::handleDelimiterCommand() {
   return true;
 }
 
+// The common case without leaving the loop: code, and quoted text opening, escaping and
+// closing. Stops at the end of the buffer or at a byte the scan functions have to look at.
+void TStatementSplitter::scanCodeRun() {
+  const char* const b = buf_.data();
+  const char* const e = b + end_;
+  const char* p = b + pos_;
+  for (;;) {
+    if (state_ == State::Normal) {
+      p = normalStops_.find(p, e);
+      if (p == e || *p == delimiter_[0]) break;
+      if (*p == '\'') {
+        state_ = State::SingleQuote;
+      } else if (*p == '"') {
+        state_ = State::DoubleQuote;
+      } else if (*p == '`') {
+        state_ = State::BackQuote;
+      } else {
+        break;
+      }
+      ++p;
+      continue;
+    }
+    const char quote = state_ == State::SingleQuote ? '\'' : state_ == State::DoubleQuote ? '"' : '`';
+    p = state_ == State::SingleQuote   ? singleQuoteStops_.find(p, e)
+        : state_ == State::DoubleQuote ? doubleQuoteStops_.find(p, e)
+                                       : backQuoteStops_.find(p, e);
+    if (p == e) break;
+    if (*p == quote) {
+      state_ = State::Normal;
+      ++p;
+    } else if (*p == '\\' && e - p >= 2 && p[1] != '\n') {
+      p += 2;
+    } else {
+      break;
+    }
+  }
+  pos_ = static_cast<size_t>(p - b);
+}
+
 void TStatementSplitter::scanNormal() {
   const char* b = buf_.data();
-  const size_t p = detail::findFirstOf(b + pos_, b + end_, normalStops_) - b;
+  const size_t p = normalStops_.find(b + pos_, b + end_) - b;
   pos_ = p;
   if (p == end_) return;
   const char c = b[p];
@@ -206,10 +244,10 @@ void TStatementSplitter::scanNormal() {
   ++pos_;
 }
 
-void TStatementSplitter::scanQuoted(char quote, bool backslashEscapes) {
+template <size_t N>
+void TStatementSplitter::scanQuoted(char quote, const detail::ByteSet<N>& stops) {
   const char* b = buf_.data();
-  const std::array<char, 3> stops = {quote, backslashEscapes ? '\\' : quote, '\n'};
-  const size_t p = detail::findFirstOf(b + pos_, b + end_, stops) - b;
+  const size_t p = stops.find(b + pos_, b + end_) - b;
   pos_ = p;
   if (p == end_) return;
   if (b[p] == '\n') {
@@ -237,7 +275,7 @@ void TStatementSplitter::scanLineComment() {
 
 void TStatementSplitter::scanBlockComment() {
   const char* b = buf_.data();
-  const size_t p = detail::findFirstOf(b + pos_, b + end_, std::array<char, 2>{'*', '\n'}) - b;
+  const size_t p = blockCommentStops_.find(b + pos_, b + end_) - b;
   pos_ = p;
   if (p == end_) return;
   if (b[p] == '\n') {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/sqleditor/byte_scan.h"
+
 namespace lomarin {
 
 // Cuts a script into statements with the server's lexical rules: quoted text ('', "", ``, with
@@ -36,8 +38,10 @@ class TStatementSplitter {
   void setDelimiter(std::string delimiter);
   bool scanLeadingBlanks();
   bool handleDelimiterCommand();
+  void scanCodeRun();
   void scanNormal();
-  void scanQuoted(char quote, bool backslashEscapes);
+  template <size_t N>
+  void scanQuoted(char quote, const detail::ByteSet<N>& stops);
   void scanLineComment();
   void scanBlockComment();
   void lineBreak();
@@ -52,7 +56,11 @@ class TStatementSplitter {
   bool eof_ = false;
 
   std::string delimiter_;
-  std::array<char, 8> normalStops_{};
+  detail::ByteSet<8> normalStops_;
+  const detail::ByteSet<3> singleQuoteStops_{{'\'', '\\', '\n'}};
+  const detail::ByteSet<3> doubleQuoteStops_{{'"', '\\', '\n'}};
+  const detail::ByteSet<2> backQuoteStops_{{'`', '\n'}};
+  const detail::ByteSet<2> blockCommentStops_{{'*', '\n'}};
   State state_ = State::Normal;
   bool hasCode_ = false;
   bool statementDone_ = false;

@@ -37,6 +37,7 @@ const std::vector<Case>& cases() {
       {"hash comment", "select 1 # ; x\n;", {"select 1 # ; x"}},
       {"block comment", "select /* ; */ 1; /* only a comment; */", {"select /* ; */ 1"}},
       {"comment-only statements skipped", "-- head\n# more\n;\nselect 1;", {"select 1"}},
+      {"code right after an empty statement", ";select 'a';/* c */;select 2;", {"select 'a'", "select 2"}},
       {"comments before a statement stay", "-- head\nselect 1;", {"-- head\r\nselect 1"}},
       {"version comments are text", "/*!40101 SET a=1 */;/*M!100100 SET b=2 */;", {"/*!40101 SET a=1 */", "/*M!100100 SET b=2 */"}},
       {"delimiter inside version comment ends it", "/*!50003 select 1; */;", {"/*!50003 select 1", "*/"}},
