@@ -126,8 +126,10 @@ void TformConnect::btnDeleteClick() {
   auto* item = ui_->lvAccounts->currentItem();
   if (!item) return;
   const QString name = item->text(0);
-  if (QMessageBox::question(this, windowTitle(), tr("Delete the account \"%1\"?").arg(name)) != QMessageBox::Yes)
-    return;
+  QMessageBox question(QMessageBox::Question, windowTitle(), tr("Delete the account \"%1\"?").arg(name),
+                       QMessageBox::Yes | QMessageBox::No, this);
+  question.setObjectName("DeleteAccountQuestion");
+  if (question.exec() != QMessageBox::Yes) return;
   accounts_.remove(name.toStdString());
   fillAccountList();
 }

@@ -215,6 +215,64 @@ class FormConnectTest : public QObject {
     QCOMPARE(child<QLineEdit>(&again, "edtLogin")->text(), QString::fromStdString(server.Username));
   }
 
+  void connectingOverSsl() {
+    // The sandbox's certificate names "localhost", which the client reaches by the socket.
+    TAccount ssl = sandboxAccount();
+    ssl.Server = "localhost";
+    ssl.UseSSL = true;
+    ssl.SSLCACert = test::sslDir() + "/ca.pem";
+    TAccountStore(*settings_).add("Encrypted", ssl);
+    session_.Settings.SocketPath = qEnvironmentVariable("LOMARIN_TEST_SOCKET").toStdString();
+    QVERIFY(!session_.Settings.SocketPath.empty());
+    ui::TformConnect form(*settings_, session_);
+    form.show();
+    auto* list = child<QTreeWidget>(&form, "lvAccounts");
+    list->setCurrentItem(list->topLevelItem(0));
+    QVERIFY(child<QCheckBox>(&form, "chkSSL")->isChecked());
+    QString refused;
+    QTimer::singleShot(5000, &form, [&] {
+      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+        refused = box->text();
+        box->button(QMessageBox::Ok)->click();
+      }
+    });
+    child<QPushButton>(&form, "btnOk")->click();
+    QVERIFY2(refused.isEmpty(), qPrintable(refused));
+    QVERIFY(session_.Connected());
+    const std::string cipher = test::scalar(
+        session_, "SELECT VARIABLE_VALUE FROM information_schema.SESSION_STATUS WHERE VARIABLE_NAME = 'Ssl_cipher'");
+    QVERIFY(!cipher.empty());
+    QCOMPARE(cipher, session_.SslCipher());
+  }
+
+  void editingAndDeletingAccounts() {
+    TAccountStore store(*settings_);
+    store.add("keep", sandboxAccount());
+    store.add("work", sandboxAccount());
+    ui::TformConnect form(*settings_, session_);
+    form.show();
+    auto* list = child<QTreeWidget>(&form, "lvAccounts");
+    list->setCurrentItem(list->topLevelItem(1));
+    whenModal("TformAccount", [](QWidget* editor) {
+      QVERIFY(child<QLineEdit>(editor, "edtName")->isReadOnly());
+      QCOMPARE(child<QLineEdit>(editor, "edtName")->text(), QString("work"));
+      child<QLineEdit>(editor, "edtLogin")->setText("changed");
+      child<QPushButton>(editor, "btnOk")->click();
+    });
+    child<QPushButton>(&form, "btnEdit")->click();
+    QCOMPARE(store.load("work")->Login, std::string("changed"));
+    QCOMPARE(list->currentItem()->text(1), QString("changed"));
+
+    whenModal("DeleteAccountQuestion", [](QWidget* box) {
+      QVERIFY(static_cast<QMessageBox*>(box)->text().contains("work"));
+      static_cast<QMessageBox*>(box)->button(QMessageBox::Yes)->click();
+    });
+    child<QPushButton>(&form, "btnDelete")->click();
+    QCOMPARE(store.names(), std::vector<std::string>{"keep"});
+    QCOMPARE(list->topLevelItemCount(), 1);
+    QVERIFY(settings_->valueNames(kAccountsKey + "work").empty());
+  }
+
   void aFailedConnectKeepsTheDialogAndItsInput() {
     TAccount wrong = sandboxAccount();
     wrong.Password = "not the password";
@@ -299,7 +357,10 @@ class FormConnectTest : public QObject {
     child<QPushButton>(&form, "btnAdd")->click();
   }
 
-  void cleanup() { session_.Disconnect(); }
+  void cleanup() {
+    session_.Disconnect();
+    session_.Settings.SocketPath.clear();
+  }
 };
 
 }  // namespace

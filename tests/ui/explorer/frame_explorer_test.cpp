@@ -1,4 +1,8 @@
+#include <QAbstractButton>
+#include <QApplication>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTreeWidget>
@@ -170,6 +174,37 @@ class FrameExplorerTest : public QObject {
 
     explorer_->clearObjects();
     QCOMPARE(root()->childCount(), 0);
+  }
+
+  void aDatabaseTheServerDoesNotListIsStillShown() {
+    explorer_->setDatabaseFilter("'no_such_database'");
+    explorer_->buildRoot();
+    QCOMPARE(texts(root()), QStringList({"lomarin_demo", "Users"}));
+    QCOMPARE(texts(demo()).size(), 7);
+  }
+
+  void aFailedFetchLeavesTheFolderToTryAgain() {
+    TMyConnection limited;
+    limited.Settings = test::serverSettings();
+    limited.Settings.Username = "lomarin_demo";
+    limited.Settings.Password = "lomarin_demo";
+    limited.Settings.Database = "lomarin_demo";
+    limited.Connect();
+    Explorer explorer(limited);
+    explorer.buildRoot();
+    auto* users = explorer.tree()->topLevelItem(0)->child(explorer.tree()->topLevelItem(0)->childCount() - 1);
+    QCOMPARE(users->text(0), QString("Users"));
+    QString shown;
+    QTimer::singleShot(0, [&] {
+      QMessageBox* box = nullptr;
+      QTRY_VERIFY((box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) != nullptr);
+      shown = box->text();
+      box->button(QMessageBox::Ok)->click();
+    });
+    users->setExpanded(true);
+    QVERIFY2(shown.startsWith("1142\n"), qPrintable(shown));
+    QVERIFY(!users->isExpanded());
+    QCOMPARE(texts(users), QStringList({"/-1"}));
   }
 
   void doubleClicksTellWhatWasChosen() {
