@@ -1,0 +1,126 @@
+#include <QDataStream>
+#include <QDir>
+#include <QFile>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QProcess>
+#include <QTest>
+
+#include "shell_test_support.h"
+#include "ui/app/editor_ex.h"
+#include "ui/app/formppal.h"
+#include "ui/app/instance_link.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using lomarin::ui::InstanceServer;
+using lomarin::ui::Tformppal;
+
+// A second program started the way a user starts it, with folders of its own.
+struct SecondProcess {
+  explicit SecondProcess(const QString& home) {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_RUNTIME_DIR", home);
+    env.insert("LOMARIN_CONFIG_DIR", home + "/config");
+    env.insert("LOMARIN_DATA_DIR", home + "/data");
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    process.setProcessEnvironment(env);
+    process.setProgram(LOMARIN_GUI_BINARY);
+  }
+  ~SecondProcess() {
+    if (process.state() != QProcess::NotRunning) {
+      process.kill();
+      process.waitForFinished();
+    }
+  }
+  QProcess process;
+};
+
+QStringList sockets(const QString& folder) { return QDir(folder).entryList({"instance-*"}, QDir::System); }
+
+QString writeFile(const QString& folder, const QString& name, const QByteArray& text) {
+  const QString path = QDir(folder).filePath(name);
+  QFile file(path);
+  file.open(QIODevice::WriteOnly);
+  file.write(text);
+  return path;
+}
+
+class InstanceHandoffTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void fileArgumentIsOpenedByTheRunningInstance() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    Tformppal window(*fresh.store);
+    InstanceServer server;
+    connect(&server, &InstanceServer::openFileRequested, &window, &Tformppal::CheckParam);
+    QString error;
+    QVERIFY2(server.listen(folder, &error), qPrintable(error));
+
+    const QString file = writeFile(fresh.dir.path(), "handed.txt", "handed over\n");
+    SecondProcess second(fresh.dir.path());
+    second.process.setArguments({file});
+    second.process.start();
+    // The sender ends only once the file is open here.
+    QTRY_VERIFY_WITH_TIMEOUT(second.process.state() == QProcess::NotRunning, 15000);
+    QCOMPARE(second.process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(second.process.exitCode(), 0);
+    QCOMPARE(window.mdiArea()->subWindowList().size(), 1);
+    auto* editor = qobject_cast<lomarin::ui::TformEditorEX*>(window.mdiArea()->subWindowList()[0]->widget());
+    QVERIFY(editor);
+    QCOMPARE(editor->fileName(), file);
+    QCOMPARE(sockets(folder).size(), 1);
+  }
+
+  void withoutArgumentASecondInstanceStarts() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    InstanceServer server;
+    QString error;
+    QVERIFY2(server.listen(folder, &error), qPrintable(error));
+
+    SecondProcess second(fresh.dir.path());
+    second.process.start();
+    QTRY_COMPARE_WITH_TIMEOUT(sockets(folder).size(), 2, 15000);
+    QCOMPARE(second.process.state(), QProcess::Running);
+  }
+
+  void aListenerWithTheWrongReplyIsNoInstance() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    QDir().mkpath(folder);
+    QLocalServer impostor;
+    QVERIFY(impostor.listen(QDir(folder).filePath("instance-1")));
+    int asked = 0;
+    connect(&impostor, &QLocalServer::newConnection, this, [&] {
+      QLocalSocket* socket = impostor.nextPendingConnection();
+      connect(socket, &QLocalSocket::readyRead, socket, [&asked, socket] {
+        socket->readAll();
+        ++asked;
+        QDataStream(socket) << quint32(0x108887);
+      });
+    });
+    // One that never answers is given up after the time-out.
+    QLocalServer silent;
+    QVERIFY(silent.listen(QDir(folder).filePath("instance-2")));
+    QVERIFY(!lomarin::ui::findRunningInstance(folder, 300));
+
+    silent.close();
+    const QString file = writeFile(fresh.dir.path(), "mine.txt", "x\n");
+    SecondProcess second(fresh.dir.path());
+    second.process.setArguments({file});
+    second.process.start();
+    // It asked, was not convinced, and became an instance of its own.
+    QTRY_VERIFY_WITH_TIMEOUT(asked > 0 && sockets(folder).size() == 2, 15000);
+    QCOMPARE(second.process.state(), QProcess::Running);
+  }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(InstanceHandoffTest)
+#include "instance_handoff_test.moc"
