@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "account_command.h"
 #include "cli_options.h"
 #include "dump_command.h"
 #include "exec_command.h"
@@ -15,6 +16,7 @@ void usage(std::FILE* to) {
                "usage: lomarin-cli COMMAND [options] ARGUMENTS\n"
                "commands:\n"
                "  query STATEMENT   print one statement's result as tab-separated rows\n"
+               "  sandbox-account   store the connection options as the account \"Local sandbox\"\n"
                "  dump DATABASE     write a database as an SQL script (dump --help for its flags)\n"
                "  exec FILE         run a script; --optimize sends statements in batches\n"
                "connection options: --host --port --user --password --database --socket\n"
@@ -37,6 +39,7 @@ int main(int argc, char** argv) {
   try {
     const auto args = lomarin::cli::parseArgs(std::vector<std::string>(argv + 2, argv + argc));
     if (command == "query") return lomarin::cli::runQuery(args, stdout, stderr);
+    if (command == "sandbox-account") return lomarin::cli::runSandboxAccount(args, stdout, stderr);
     if (command == "dump") return lomarin::cli::runDump(args, stdout, stderr);
     if (command == "exec") return lomarin::cli::runExec(args, stderr);
   } catch (const std::invalid_argument& error) {
