@@ -1,0 +1,100 @@
+#include <QFile>
+#include <QTest>
+#include <QToolBar>
+
+#include "engine/app/mru_list.h"
+#include "shell_test_support.h"
+#include "ui/app/formppal.h"
+#include "ui/app/main_actions.h"
+#include "ui/app/window_layout.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using lomarin::ui::WindowLayout;
+
+QByteArray readAll(const QString& path) {
+  QFile file(path);
+  file.open(QIODevice::ReadOnly);
+  return file.readAll();
+}
+
+class WindowLayoutTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void fileKeepsTheNamedProperties() {
+    lomarin::test::FreshSettings fresh;
+    const QString path = fresh.dir.filePath("data/ide_settings.xml");
+    WindowLayout layout;
+    layout.geometry = QRect(10, 20, 900, 600);
+    layout.maximized = true;
+    layout.sideBarWidth = 310;
+    layout.mruList = "/a/one.txt\n/b/two.txt\n";
+    layout.toolbarDocks = {{"tbtDbBar", Qt::LeftToolBarArea}, {"tbtbarFile", Qt::TopToolBarArea}};
+    QString error;
+    QVERIFY2(lomarin::ui::saveWindowLayout(layout, path, &error), qPrintable(error));
+
+    const QByteArray xml = readAll(path);
+    QVERIFY(xml.contains("<Configuration>"));
+    QVERIFY(xml.contains("<General>"));
+    QVERIFY(xml.contains("<paneSideBar.Width>310</paneSideBar.Width>"));
+    QVERIFY(xml.contains("<tbmMRU.MRUList>"));
+    QVERIFY(xml.contains("<Tformppal.Maximized>TRUE</Tformppal.Maximized>"));
+    QVERIFY(xml.contains("<tbtDbBar.CurrentDock>Left</tbtDbBar.CurrentDock>"));
+    QVERIFY(xml.contains("<tbtDbBar.DefaultDock>"));
+    QVERIFY(xml.contains("<tbtSchema.CurrentDock>"));
+    QVERIFY(!xml.contains("<tbtSchema.DefaultDock>"));
+
+    const auto back = lomarin::ui::loadWindowLayout(path, &error);
+    QVERIFY(back);
+    QCOMPARE(back->geometry, layout.geometry);
+    QCOMPARE(back->maximized, true);
+    QCOMPARE(back->sideBarWidth, 310);
+    QCOMPARE(back->mruList, layout.mruList);
+    QCOMPARE(back->toolbarDocks.value("tbtDbBar"), Qt::LeftToolBarArea);
+  }
+
+  void booleanTextsAndDamagedFiles() {
+    lomarin::test::FreshSettings fresh;
+    const QString path = fresh.dir.filePath("ide_settings.xml");
+    QString error;
+    QVERIFY(!lomarin::ui::loadWindowLayout(path, &error));
+    QVERIFY(error.isEmpty());  // missing: nothing to restore, nothing to report
+
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<Configuration><General><Tformppal.Maximized>y</Tformppal.Maximized></General></Configuration>");
+    file.close();
+    QVERIFY(lomarin::ui::loadWindowLayout(path, &error)->maximized);
+
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("<Configuration><General><paneSideBar.Width>3");
+    file.close();
+    QVERIFY(!lomarin::ui::loadWindowLayout(path, &error));
+    QVERIFY(!error.isEmpty());
+    // Reported, and the damaged file is left as it was.
+    QCOMPARE(readAll(path), QByteArray("<Configuration><General><paneSideBar.Width>3"));
+  }
+
+  void mainWindowRestoresRecentFilesAndToolbars() {
+    lomarin::test::FreshSettings fresh;
+    WindowLayout saved;
+    {
+      lomarin::ui::Tformppal window(*fresh.store);
+      WindowLayout layout = window.layout();
+      layout.mruList = "/x/1.txt\n/x/2.txt\n";
+      layout.toolbarDocks["tbtDbaBar"] = Qt::BottomToolBarArea;
+      window.applyLayout(layout);
+      saved = window.layout();
+    }
+    lomarin::ui::Tformppal window(*fresh.store);
+    window.applyLayout(saved);
+    QCOMPARE(window.recentFiles().items(), (std::vector<std::string>{"/x/1.txt", "/x/2.txt"}));
+    QCOMPARE(window.toolBarArea(window.actions().toolbar("tbtDbaBar")), Qt::BottomToolBarArea);
+  }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(WindowLayoutTest)
+#include "window_layout_test.moc"
