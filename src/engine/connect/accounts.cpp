@@ -150,7 +150,8 @@ std::optional<TAccount> TAccountStore::load(std::string_view name) const {
 }
 
 bool TAccountStore::add(std::string_view name, const TAccount& account) {
-  if (name.empty() || exists(name)) return false;
+  // A backslash would make the name a path of keys.
+  if (name.empty() || name.find('\\') != std::string_view::npos || exists(name)) return false;
   return save(name, account);
 }
 

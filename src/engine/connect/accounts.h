@@ -75,8 +75,8 @@ class TAccountStore {
   // Empty when there is no such account.
   std::optional<TAccount> load(std::string_view name) const;
 
-  // A new account; false (and nothing written) when the name is taken. Use kNameAlreadyExists
-  // for the message.
+  // A new account; false (and nothing written) when the name is taken (use kNameAlreadyExists for
+  // the message), empty or holds a backslash.
   bool add(std::string_view name, const TAccount& account);
   // Writes every value again; the values keep the order of their first write.
   bool save(std::string_view name, const TAccount& account);

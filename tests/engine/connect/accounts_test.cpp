@@ -136,6 +136,9 @@ TEST_F(AccountsTest, DuplicateNamesAreRefusedAndEditKeepsTheOrder) {
   other.Login = "mallory";
   EXPECT_FALSE(store.add("main", other));
   EXPECT_FALSE(store.add("MAIN", other));
+  EXPECT_FALSE(store.add("", other));
+  EXPECT_FALSE(store.add("a\\b", other));
+  EXPECT_EQ(store.names(), std::vector<std::string>{"main"});
   EXPECT_EQ(store.load("main")->Login, "alice");
 
   const auto order = settings_->valueNames(kKey + "main");
