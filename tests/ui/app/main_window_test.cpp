@@ -9,10 +9,12 @@
 #include <QRegularExpression>
 #include <Qsci/qsciscintilla.h>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
 
 #include "engine/app/option_names.h"
+#include "engine/connect/accounts.h"
 #include "engine/connect/my_query.h"
 #include "shell_test_support.h"
 #include "test_server.h"
@@ -22,6 +24,7 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/app/select_database.h"
+#include "ui/connect/form_connect.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -256,6 +259,31 @@ class MainWindowTest : public QObject {
     QCOMPARE(window.windowTitle(), QString("Lomarin for MySQL"));
     QVERIFY(a.action("actConect")->isEnabled());
     QVERIFY(!a.action("actFlushStatus")->isEnabled());
+  }
+
+  void connectDialogWithAStoredAccount() {
+    lomarin::test::FreshSettings fresh;
+    const auto s = lomarin::test::serverSettings();
+    QVERIFY(lomarin::ensureLocalSandboxAccount(*fresh.store, s.Server, s.Port, s.Username, s.Password,
+                                               "lomarin_demo"));
+    Tformppal window(*fresh.store);
+    window.show();
+    lomarin::test::onNextModal<lomarin::ui::TformConnect>([](lomarin::ui::TformConnect* dialog) {
+      auto* accounts = dialog->findChild<QTreeWidget*>("lvAccounts");
+      const auto items = accounts->findItems("Local sandbox", Qt::MatchExactly);
+      QCOMPARE(items.size(), 1);
+      accounts->setCurrentItem(items[0]);
+      dialog->findChild<QPushButton*>("btnOk")->click();
+    });
+    window.actions().action("actConect")->trigger();
+    QVERIFY(window.MySqlSession.Connected());
+    QCOMPARE(window.windowTitle(),
+             QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username + ":lomarin_demo@" + s.Server + "]"));
+    const QTreeWidgetItem* server = window.explorer()->tree()->topLevelItem(0);
+    QVERIFY(server);
+    QStringList shown;
+    for (int i = 0; i < server->childCount(); ++i) shown << server->child(i)->text(0);
+    QVERIFY2(shown.contains("lomarin_demo"), qPrintable(shown.join(',')));
   }
 
   void oldServersHideWhatTheyCannotDo() {
