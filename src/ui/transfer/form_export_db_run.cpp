@@ -110,7 +110,10 @@ void TfrmExportDb::runOne(const TExportRun& run) {
   dump_.TriggerNames = run.triggerNames;
   TMyDumpOptions& o = dump_.Options;
   if (run.queryRun) {
-    o = TMyDumpOptions{false, false, false, false, false, false, true, false, false, 0, TMyInsertType::itInsert};
+    // The rows of a query: every option off but hexadecimal binary values.
+    o = TMyDumpOptions{};
+    o.GenerateHeader = o.AddDrop = o.AddLock = o.UseExtSyntax = false;
+    o.HexBlob = true;
   } else {
     o.GenerateHeader = w_->chkGenerateHeader->isChecked();
     o.AddDrop = w_->chkDropStatements->isChecked();

@@ -19,24 +19,6 @@ TEST(ExportStatements, ListFillingTexts) {
   EXPECT_EQ(exportsql::fields("shop", "or`ders"), "show fields FROM shop.`or``ders`");
 }
 
-TEST(ExportObjects, CombinationListsGiveTheBoxesBits) {
-  struct Case {
-    TExportKinds kinds;
-    int bits;
-  };
-  const Case cases[] = {
-      {{true, true, true, true, true, true, true}, 127},  {{true, true, false, false, true, true, true}, 124},
-      {{true, true, true, true, false, true, false}, 59}, {{true, true, true, false, false, true, false}, 57},
-      {{true, true, false, false, false, true, false}, 56}, {{true, true, false, false, false, false, false}, 24},
-      {{true, false, false, false, false, true, false}, 40}, {{false, true, false, false, false, false, false}, 16},
-      {{false, false, true, false, false, false, false}, 1}, {{false, false, false, true, false, false, false}, 2},
-      {{false, false, false, false, true, false, false}, 4}, {{false, false, false, false, false, false, true}, 64},
-      {{false, false, false, false, true, false, true}, 68}, {{false, false, false, false, false, true, false}, 32},
-      {{true, true, true, true, false, true, true}, 123},
-  };
-  for (const auto& c : cases) EXPECT_EQ(ObjectsFromKinds(c.kinds).bits(), c.bits);
-}
-
 TEST(ExportUserSql, ConditionsJoinersAndOperators) {
   TUserSqlState s;
   s.database = "shop";
