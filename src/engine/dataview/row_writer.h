@@ -1,0 +1,91 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/connect/my_field.h"
+
+namespace lomarin::dataview {
+
+// One cell as the grid holds it: raw bytes, or NULL.
+struct TCellValue {
+  bool null = true;
+  std::string bytes;
+  bool operator==(const TCellValue&) const = default;
+};
+using TRecord = std::vector<TCellValue>;
+
+// What the server says about the table a result was read from.
+struct TBaseTableInfo {
+  struct Column {
+    std::string name;
+    bool notNull = false;
+    bool generated = false;
+  };
+  struct Key {
+    std::string name;
+    bool primary = false;
+    std::vector<std::string> columns;
+  };
+  std::string database;
+  std::string table;
+  std::vector<Column> columns;
+  std::vector<Key> uniqueKeys;  // in the server's order
+};
+
+// The single table every column of a result comes from. Empty table and a reason otherwise.
+struct TBaseTableRef {
+  std::string database;
+  std::string table;
+  std::string reason;
+};
+TBaseTableRef BaseTableOf(const std::vector<TMyField>& fields);
+
+// Builds the statements that write grid rows back to their table, identifying a row by its
+// primary key, else by the first unique key over NOT NULL columns the result holds all of. A
+// result without one is read-only: an UPDATE that could touch several rows loses data.
+class TRowWriter {
+ public:
+  using Escaper = std::function<std::string(std::string_view)>;
+
+  // Read-only, with the reason shown to the user.
+  TRowWriter(std::vector<TMyField> fields, std::string readOnlyReason);
+  TRowWriter(std::vector<TMyField> fields, const TBaseTableInfo& table, Escaper escape);
+
+  bool Editable() const { return readOnlyReason_.empty(); }
+  const std::string& ReadOnlyReason() const { return readOnlyReason_; }
+  // Result columns that identify a row.
+  const std::vector<size_t>& KeyColumns() const { return keyColumns_; }
+  // The column maps to a stored (not generated) column of the table.
+  bool Writable(size_t column) const;
+
+  // Sets only the writable columns whose value changed; empty when none did.
+  std::string UpdateSQL(const TRecord& before, const TRecord& after) const;
+  // Writes the writable columns marked in `given`; the table's defaults fill the rest.
+  std::string InsertSQL(const TRecord& values, const std::vector<bool>& given) const;
+  std::string DeleteSQL(const TRecord& before) const;
+  // Counts the rows the key of `before` matches.
+  std::string CountSQL(const TRecord& before) const;
+
+  // The value as an SQL literal for the column: NULL, X'..' for binary data, the digits as they
+  // stand for numbers (never through a floating-point type), else a quoted, escaped string.
+  // Throws std::invalid_argument for a number column given text that is no number.
+  std::string Literal(size_t column, const TCellValue& value) const;
+
+ private:
+  std::string qualifiedTable() const;
+  std::string whereKey(const TRecord& before) const;
+  void requireEditable() const;
+
+  std::vector<TMyField> fields_;
+  std::string readOnlyReason_;
+  std::string database_;
+  std::string table_;
+  std::vector<bool> writable_;
+  std::vector<size_t> keyColumns_;
+  Escaper escape_;
+};
+
+}  // namespace lomarin::dataview
