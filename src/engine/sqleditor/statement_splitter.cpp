@@ -58,6 +58,10 @@ void TStatementSplitter::lineBreak() {
 }
 
 bool TStatementSplitter::next(std::string& statement) {
+  if (atStart_) {
+    atStart_ = false;
+    if (ensure(3) && std::memcmp(buf_.data() + pos_, "\xEF\xBB\xBF", 3) == 0) pos_ += 3;
+  }
   stmt_.clear();
   hasCode_ = false;
   statementDone_ = false;

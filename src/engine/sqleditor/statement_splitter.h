@@ -16,7 +16,7 @@ namespace lomarin {
 // DELIMITER lines in any letter case. The script is read in large chunks, so a file of any size
 // streams through; the lines of one statement are joined with "\r\n". Statements holding nothing
 // but blanks and comments are skipped. A quote or comment still open at the end closes the last
-// statement instead of failing.
+// statement instead of failing. A UTF-8 byte order mark at the start is skipped.
 class TStatementSplitter {
  public:
   explicit TStatementSplitter(std::istream& in, std::string delimiter = ";",
@@ -54,6 +54,7 @@ class TStatementSplitter {
   size_t seg_ = 0;   // start of the text not yet copied into stmt_
   uint64_t consumedBefore_ = 0;
   bool eof_ = false;
+  bool atStart_ = true;
 
   std::string delimiter_;
   detail::ByteSet<8> normalStops_;

@@ -53,6 +53,7 @@ const std::vector<Case>& cases() {
       {"open quote at end", "select 1; select 'abc;\n", {"select 1", "select 'abc;"}},
       {"open comment at end", "select 1; /* never closed;", {"select 1"}},
       {"open comment after code", "select 2 /* never closed;", {"select 2 /* never closed;"}},
+      {"byte order mark skipped", "\xEF\xBB\xBFselect 1;", {"select 1"}},
       {"client commands are plain text", "\\! ls;\nsource x.sql;", {"\\! ls", "source x.sql"}},
       {"multi-character delimiter split by chunks", "DELIMITER //\nselect '//' //select 2//", {"select '//'", "select 2"}},
   };
