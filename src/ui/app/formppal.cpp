@@ -116,10 +116,14 @@ void Tformppal::createPanes() {
 void Tformppal::wireSession() {
   MySqlSession.setMonitor(&MySqlMonitor);
   auto& events = MySqlSession.Events;
-  events.BeforeConnect = [this] { MySqlMonitor.setActive(true); };
+  events.BeforeConnect = [this] {
+    // Silent reconnects happen inside the session without connect events; a connect the user
+    // asked for starts afresh.
+    lostConnection_.reconnected();
+    MySqlMonitor.setActive(true);
+  };
   events.AfterConnect = [this] { onAfterConnect(); };
   events.BeforeDisconnect = [this] { onBeforeDisconnect(); };
-  events.AfterDisconnect = [this] { onAfterDisconnect(); };
   events.OnError = [this](const ServerError& error) { onSessionError(error); };
   events.OnConnectionLost = [this] { return lostConnection_.onConnectionLost(); };
 }
@@ -160,10 +164,11 @@ void Tformppal::registerHandlers() {
 
 void Tformppal::FormCreate() {
   setWindowTitle(qs(startCaption()));
-  skinType_ = qs(settings_.read(opt::SkinType)).toInt();
+  const int skinType = qs(settings_.read(opt::SkinType)).toInt();
+  // The skin is the look of the toolbar buttons; every one keeps its caption.
   const Qt::ToolButtonStyle styles[] = {Qt::ToolButtonTextOnly, Qt::ToolButtonTextBesideIcon,
-                                        Qt::ToolButtonTextUnderIcon, Qt::ToolButtonIconOnly};
-  const auto style = skinType_ >= 0 && skinType_ < 4 ? styles[skinType_] : Qt::ToolButtonTextBesideIcon;
+                                        Qt::ToolButtonTextUnderIcon};
+  const auto style = skinType >= 0 && skinType < 3 ? styles[skinType] : Qt::ToolButtonTextBesideIcon;
   for (std::string_view name : toolbarNames()) actions_->toolbar(name)->setToolButtonStyle(style);
   outputWithStatement_ = settings_.read(opt::OutputWithStatment);
   outputHeight_ = outputPaneHeight(settings_.read(opt::OutputSize));
@@ -277,10 +282,6 @@ void Tformppal::connectToggle() {
 }
 
 void Tformppal::onAfterConnect() {
-  if (lostConnection_.reconnecting()) {
-    lostConnection_.reconnected();
-    return;
-  }
   WaitCursor wait;
   if (!MySqlSession.Connected()) {
     actions_->setConnected(false);
@@ -310,8 +311,6 @@ void Tformppal::onBeforeDisconnect() {
   QCoreApplication::processEvents();
   paneSideBar_->show();
 }
-
-void Tformppal::onAfterDisconnect() { sshTunnelInUse_ = false; }
 
 WindowLayout Tformppal::layout() const {
   WindowLayout layout;

@@ -41,19 +41,13 @@ class Tformppal : public QMainWindow {
   MainActions& actions() { return *actions_; }
   QMdiArea* mdiArea() const { return mdiArea_; }
   QDockWidget* paneOut() const { return paneOut_; }
-  QDockWidget* paneSideBar() const { return paneSideBar_; }
   TframeExplorer* explorer() const { return explorer_; }
   const MruList& recentFiles() const { return mru_; }
   bool outputWithStatement() const { return outputWithStatement_; }
-  int skinType() const { return skinType_; }
   int outputHeight() const { return outputHeight_; }
 
   // Shows the actions a server of this version (its handshake text) supports, hides the others.
   void applyServerVersion(const std::string& versionText);
-
-  // Set by the connect dialog while the session runs through an SSH tunnel.
-  void setSshTunnelInUse(bool inUse) { sshTunnelInUse_ = inUse; }
-  bool sshTunnelInUse() const { return sshTunnelInUse_; }
 
   // Opens a file as a document, as from the command line.
   void CheckParam(const QString& fileName);
@@ -93,7 +87,6 @@ class Tformppal : public QMainWindow {
   void useDatabase(const QString& database);
   void onAfterConnect();
   void onBeforeDisconnect();
-  void onAfterDisconnect();
   void onSessionError(const ServerError& error);
 
   SettingsStore& settings_;
@@ -108,10 +101,8 @@ class Tformppal : public QMainWindow {
   QMenu* tbmMRU_;
   MruList mru_;
   QHash<QString, FileOpener> openers_;
-  bool sshTunnelInUse_ = false;
   bool outputWithStatement_ = false;
   int outputHeight_ = 80;
-  int skinType_ = 1;
 };
 
 }  // namespace lomarin::ui

@@ -64,8 +64,6 @@ bool InstanceServer::listen(const QString& folder, QString* error) {
   return true;
 }
 
-QString InstanceServer::socketPath() const { return server_->fullServerName(); }
-
 void InstanceServer::serve(QLocalSocket* socket) {
   QDataStream stream(socket);
   for (;;) {

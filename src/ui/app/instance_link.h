@@ -32,7 +32,6 @@ class InstanceServer : public QObject {
 
   // False with *error set when the socket cannot be created.
   bool listen(const QString& folder, QString* error);
-  QString socketPath() const;
 
  signals:
   // The sender waits until every slot of this signal has returned.

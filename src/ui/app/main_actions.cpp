@@ -70,8 +70,6 @@ void MainActions::setHandler(std::string_view name, std::function<void()> handle
   refresh(target);
 }
 
-bool MainActions::hasHandler(std::string_view name) const { return handlers_.contains(qs(name)); }
-
 void MainActions::setConnected(bool connected) {
   connected_ = connected;
   for (QAction* action : std::as_const(actions_)) refresh(action);

@@ -26,10 +26,8 @@ class MainActions : public QObject {
   QToolBar* toolbar(std::string_view name) const;
 
   void setHandler(std::string_view name, std::function<void()> handler);
-  bool hasHandler(std::string_view name) const;
 
   void setConnected(bool connected);
-  bool connected() const { return connected_; }
   // Shows the version-gated actions this server supports and hides the others.
   void applyServerVersion(int majorVersion, int versionNumber);
 

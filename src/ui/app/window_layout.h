@@ -14,8 +14,6 @@ struct WindowLayout {
   int sideBarWidth = 0;
   QString mruList;
   QMap<QString, Qt::ToolBarArea> toolbarDocks;
-
-  bool operator==(const WindowLayout&) const = default;
 };
 
 // The layout file in the data folder.

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <Qsci/qsciscintilla.h>
 #include <QPlainTextEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -284,6 +285,31 @@ class MainWindowTest : public QObject {
     QStringList shown;
     for (int i = 0; i < server->childCount(); ++i) shown << server->child(i)->text(0);
     QVERIFY2(shown.contains("lomarin_demo"), qPrintable(shown.join(',')));
+  }
+
+  void lostConnectionIsRetriedTenTimesThenAsked() {
+    lomarin::test::FreshSettings fresh;
+    Tformppal window(*fresh.store);
+    connectDemo(window);
+    const auto killSession = [&] {
+      lomarin::test::sideExec("KILL " + std::to_string(window.MySqlSession.ThreadId()));
+    };
+    for (int i = 0; i < 10; ++i) {
+      killSession();
+      QVERIFY(lomarin::ExecSQLText(window.MySqlSession, "DO 1"));
+    }
+    killSession();
+    QString question, error;
+    QTimer::singleShot(0, [&] {
+      QMessageBox* box = nullptr;
+      QTRY_VERIFY((box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) != nullptr);
+      question = box->text();
+      lomarin::test::onNextModal<TExceptionDialog>([&](TExceptionDialog* d) { error = d->message(); });
+      box->button(QMessageBox::Abort)->click();
+    });
+    QVERIFY(!lomarin::ExecSQLText(window.MySqlSession, "DO 1"));
+    QCOMPARE(question, QString("Error trying to reestablish lost connection ?"));
+    QVERIFY2(error.startsWith("2013\n") || error.startsWith("2006\n"), qPrintable(error));
   }
 
   void oldServersHideWhatTheyCannotDo() {
