@@ -12,6 +12,7 @@
 #include "ui/app/formppal.h"
 #include "ui/app/instance_link.h"
 #include "ui/app/lomarin_application.h"
+#include "ui/app/quit_on_signal.h"
 #include "ui/app/window_layout.h"
 
 namespace lomarin::ui {
@@ -80,6 +81,7 @@ int runLomarin(int argc, char** argv) {
   if (!server.listen(socketFolder, &problem))
     std::fprintf(stderr, "lomarin: no single-instance hand-off: %s\n", qPrintable(problem));
 
+  QuitOnSignal quitOnSignal([&window] { window.close(); });
   window.show();
   if (parser.isSet(connectOption)) connectAccount(window, *settings, parser.value(connectOption));
   if (!file.isEmpty()) window.CheckParam(file);

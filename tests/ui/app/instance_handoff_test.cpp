@@ -87,6 +87,13 @@ class InstanceHandoffTest : public QObject {
     second.process.start();
     QTRY_COMPARE_WITH_TIMEOUT(sockets(folder).size(), 2, 15000);
     QCOMPARE(second.process.state(), QProcess::Running);
+
+    // Asked to stop, it closes in order: the layout is saved and its socket goes.
+    second.process.terminate();
+    QTRY_VERIFY_WITH_TIMEOUT(second.process.state() == QProcess::NotRunning, 15000);
+    QCOMPARE(second.process.exitCode(), 0);
+    QVERIFY(QFile::exists(fresh.dir.filePath("data/ide_settings.xml")));
+    QCOMPARE(sockets(folder).size(), 1);
   }
 
   void aListenerWithTheWrongReplyIsNoInstance() {
