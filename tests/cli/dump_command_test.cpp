@@ -1,3 +1,5 @@
+#include "dump_command.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -5,7 +7,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "dump_command.h"
 #include "test_server.h"
 
 namespace lomarin::cli {
@@ -18,11 +19,11 @@ TEST(DumpFlags, DefaultsAndEveryFlag) {
   EXPECT_TRUE(plain.options.GenerateHeader);
   EXPECT_TRUE(plain.outputFile.empty());
 
-  const DumpRequest r = parseDumpFlags({"--objects=database,users,data", "--tables=a,b", "--routines=p",
-                                        "--triggers=t", "--no-header", "--no-drop", "--quote-names",
-                                        "--complete-insert", "--no-lock", "--disable-keys", "--hex-blob",
-                                        "--no-extended-insert", "--delayed-insert", "--replace",
-                                        "--commit-batch=500", "--result-file=/tmp/x.sql", "--query=SELECT 1"});
+  const DumpRequest r =
+      parseDumpFlags({"--objects=database,users,data", "--tables=a,b", "--routines=p", "--triggers=t",
+                      "--no-header", "--no-drop", "--quote-names", "--complete-insert", "--no-lock",
+                      "--disable-keys", "--hex-blob", "--no-extended-insert", "--delayed-insert", "--replace",
+                      "--commit-batch=500", "--result-file=/tmp/x.sql", "--query=SELECT 1"});
   EXPECT_EQ(r.objects.bits(), 1 + 2 + 16);
   EXPECT_EQ(r.tableNames, "a,b");
   EXPECT_EQ(r.routineNames, "p");
@@ -34,11 +35,12 @@ TEST(DumpFlags, DefaultsAndEveryFlag) {
   EXPECT_EQ(o.CommitBatchSize, 500);
   EXPECT_EQ(r.outputFile, "/tmp/x.sql");
   EXPECT_EQ(r.query, "SELECT 1");
-  EXPECT_EQ(parseDumpFlags({"--objects=all", "--insert-ignore"}).options.InsertType, TMyInsertType::itInsertIgnore);
+  EXPECT_EQ(parseDumpFlags({"--objects=all", "--insert-ignore"}).options.InsertType,
+            TMyInsertType::itInsertIgnore);
   EXPECT_EQ(parseDumpFlags({"--objects=all"}).objects.bits(), 127);
 
-  for (const char* bad : {"--objects=tables,indexes", "--commit-batch=-1", "--commit-batch=many", "--hex-blob=1",
-                          "--frobnicate"})
+  for (const char* bad : {"--objects=tables,indexes", "--commit-batch=-1", "--commit-batch=many",
+                          "--hex-blob=1", "--frobnicate"})
     EXPECT_THROW(parseDumpFlags({bad}), std::invalid_argument) << bad;
 }
 
@@ -52,7 +54,8 @@ std::string slurp(std::FILE* f) {
 
 std::vector<std::string> connectionArgs() {
   const auto s = test::serverSettings();
-  return {"--host", s.Server, "--port", std::to_string(s.Port), "--user", s.Username, "--password", s.Password};
+  return {"--host", s.Server,   "--port",     std::to_string(s.Port),
+          "--user", s.Username, "--password", s.Password};
 }
 
 TEST(DumpCommand, WritesTheFileWholeOrReportsTheError) {
@@ -73,7 +76,8 @@ TEST(DumpCommand, WritesTheFileWholeOrReportsTheError) {
   std::ifstream in(file, std::ios::binary);
   std::stringstream text;
   text << in.rdbuf();
-  EXPECT_NE(text.str().find("\r\nINSERT INTO t VALUES (1);\r\nINSERT INTO t VALUES (2);\r\n"), std::string::npos);
+  EXPECT_NE(text.str().find("\r\nINSERT INTO t VALUES (1);\r\nINSERT INTO t VALUES (2);\r\n"),
+            std::string::npos);
   EXPECT_FALSE(std::filesystem::exists(file.string() + ".tmp"));
 
   auto missing = connectionArgs();

@@ -29,8 +29,14 @@ using enum TMyDumpObject;
 
 TMyDumpObjects parseObjects(const std::string& list) {
   static const std::map<std::string, TMyDumpObjects> kinds = {
-      {"database", doDatabase}, {"users", doUsers},       {"routines", doStoredProcs}, {"tables", doTables},
-      {"data", doData},         {"views", doViews},       {"triggers", doTriggers},    {"all", TMyDumpObjects::all()},
+      {"database", doDatabase},
+      {"users", doUsers},
+      {"routines", doStoredProcs},
+      {"tables", doTables},
+      {"data", doData},
+      {"views", doViews},
+      {"triggers", doTriggers},
+      {"all", TMyDumpObjects::all()},
   };
   TMyDumpObjects objects;
   size_t start = 0;
@@ -60,9 +66,14 @@ DumpRequest parseDumpFlags(const std::vector<std::string>& flags) {
   request.objects = TMyDumpObjects(124);
   TMyDumpOptions& o = request.options;
   const std::map<std::string, bool*> switches = {
-      {"--no-header", &o.GenerateHeader},   {"--no-drop", &o.AddDrop},         {"--quote-names", &o.QuoteNames},
-      {"--complete-insert", &o.CompleteInsert}, {"--no-lock", &o.AddLock},     {"--disable-keys", &o.DisableKeys},
-      {"--hex-blob", &o.HexBlob},           {"--no-extended-insert", &o.UseExtSyntax},
+      {"--no-header", &o.GenerateHeader},
+      {"--no-drop", &o.AddDrop},
+      {"--quote-names", &o.QuoteNames},
+      {"--complete-insert", &o.CompleteInsert},
+      {"--no-lock", &o.AddLock},
+      {"--disable-keys", &o.DisableKeys},
+      {"--hex-blob", &o.HexBlob},
+      {"--no-extended-insert", &o.UseExtSyntax},
       {"--delayed-insert", &o.UseDelayedIns},
   };
   for (const auto& flag : flags) {

@@ -130,7 +130,8 @@ std::string TDumpCatalog::createRoutine(const std::string& kind, const std::stri
 
 std::vector<std::string> TDumpCatalog::triggerNames() {
   std::vector<std::string> names;
-  for (auto& row : rows("SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_), {})) names.push_back(std::move(row[0]));
+  for (auto& row : rows("SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_), {}))
+    names.push_back(std::move(row[0]));
   return names;
 }
 
@@ -139,13 +140,15 @@ std::vector<TDumpCatalog::Trigger> TDumpCatalog::trigger(const std::string& trig
   const std::string sql = "SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_) +
                           " WHERE `trigger` = " + QuotedString(connection_, trigger);
   for (auto& row : rows(sql, {"Trigger", "Timing", "Event", "Table", "Statement"}))
-    result.push_back({std::move(row[0]), std::move(row[1]), std::move(row[2]), std::move(row[3]), std::move(row[4])});
+    result.push_back(
+        {std::move(row[0]), std::move(row[1]), std::move(row[2]), std::move(row[3]), std::move(row[4])});
   return result;
 }
 
 std::vector<std::string> TDumpCatalog::eventNames() {
   std::vector<std::string> names;
-  for (auto& row : rows("SHOW EVENTS FROM " + ScriptName(database_, quoteNames_), {"Name"})) names.push_back(std::move(row[0]));
+  for (auto& row : rows("SHOW EVENTS FROM " + ScriptName(database_, quoteNames_), {"Name"}))
+    names.push_back(std::move(row[0]));
   return names;
 }
 
@@ -169,7 +172,8 @@ std::vector<std::string> SplitNames(const std::string& list, const std::string& 
   return names;
 }
 
-std::vector<size_t> ViewOrder(const std::vector<std::string>& names, const std::vector<std::string>& createTexts) {
+std::vector<size_t> ViewOrder(const std::vector<std::string>& names,
+                              const std::vector<std::string>& createTexts) {
   const size_t n = names.size();
   // uses[i][j]: view i reads view j. The server writes every table reference back-quoted.
   std::vector<std::vector<bool>> uses(n, std::vector<bool>(n, false));

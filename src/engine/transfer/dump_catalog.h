@@ -59,6 +59,7 @@ std::vector<std::string> SplitNames(const std::string& list, const std::string& 
 
 // The views in an order in which each comes after the views its definition uses; the create
 // statements are given in the same order as the names.
-std::vector<size_t> ViewOrder(const std::vector<std::string>& names, const std::vector<std::string>& createTexts);
+std::vector<size_t> ViewOrder(const std::vector<std::string>& names,
+                              const std::vector<std::string>& createTexts);
 
 }  // namespace lomarin

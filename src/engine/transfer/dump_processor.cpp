@@ -141,8 +141,8 @@ void TMyDumpProcessor::backup() {
   const auto viewOrder = ViewOrder(views, viewTexts);
   std::vector<std::string> triggers;
   if (objects.has(doTriggers)) triggers = wanted(dump_.TriggerNames, catalog_.triggerNames(), "Trigger");
-  objectCount_ = static_cast<int>(routines.size() + baseTables.size() + views.size() + triggers.size() +
-                                  events.size());
+  objectCount_ =
+      static_cast<int>(routines.size() + baseTables.size() + views.size() + triggers.size() + events.size());
 
   writeHeader();
   openScript(anyTables);
@@ -159,7 +159,8 @@ void TMyDumpProcessor::backup() {
 void TMyDumpProcessor::backupQuery(const std::string& sql) {
   if (sql.find_first_not_of(" \t\r\n") == std::string::npos) throw DumpError("No SQL statement provided");
   const auto names = SplitNames(dump_.TableNames, database_);
-  if (names.size() > 1) throw DumpError("To execute BackupQuery TableNames must have not more than one table");
+  if (names.size() > 1)
+    throw DumpError("To execute BackupQuery TableNames must have not more than one table");
   UtcSession utc(connection_);
   TMyQuery query(connection_);
   query.SQL = sql;
@@ -207,7 +208,8 @@ void TMyDumpProcessor::openScript(bool foreignKeys) {
   line("/*!40101 SET @OLD_COLLATION_CONNECTION=@@COLLATION_CONNECTION */;");
   line("/*!40101 SET NAMES " + charset + " */;");
   foreignKeyLine_ = foreignKeys;
-  if (foreignKeys) line("/*!40014 SET @OLD_FOREIGN_KEY_CHECKS=@@FOREIGN_KEY_CHECKS, FOREIGN_KEY_CHECKS=0 */;");
+  if (foreignKeys)
+    line("/*!40014 SET @OLD_FOREIGN_KEY_CHECKS=@@FOREIGN_KEY_CHECKS, FOREIGN_KEY_CHECKS=0 */;");
   // Values are written in UTC; zero ids and zero dates must load as they were stored.
   line("/*!40103 SET @OLD_TIME_ZONE=@@TIME_ZONE, TIME_ZONE='+00:00' */;");
   line("/*!40101 SET @OLD_SQL_MODE=@@SQL_MODE, SQL_MODE='NO_AUTO_VALUE_ON_ZERO' */;");
@@ -297,7 +299,8 @@ void TMyDumpProcessor::writeTableData(const std::string& table) {
   const uint64_t count = catalog_.rowCount(table);
   if (count == 0) return;
   // Generated columns cannot be given values: they are left out of the SELECT and the INSERTs.
-  const bool generated = std::any_of(columns.begin(), columns.end(), [](const auto& c) { return c.generated; });
+  const bool generated =
+      std::any_of(columns.begin(), columns.end(), [](const auto& c) { return c.generated; });
   std::vector<std::string> names;
   std::string selectList;
   for (const auto& column : columns) {

@@ -1,11 +1,11 @@
 #include "engine/transfer/dump_sink.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace lomarin {
 
@@ -16,8 +16,7 @@ namespace {
 }
 
 void writeAll(std::FILE* stream, std::string_view text, const std::filesystem::path& file) {
-  if (!text.empty() && std::fwrite(text.data(), 1, text.size(), stream) != text.size())
-    failOn(file, "write");
+  if (!text.empty() && std::fwrite(text.data(), 1, text.size(), stream) != text.size()) failOn(file, "write");
 }
 
 }  // namespace
@@ -29,7 +28,8 @@ void TLinesDumpSink::write(std::string_view text) {
   const size_t from = partial_.empty() ? 0 : partial_.size() - 1;
   partial_.append(text);
   size_t start = 0;
-  for (size_t end = partial_.find("\r\n", from); end != std::string::npos; end = partial_.find("\r\n", start)) {
+  for (size_t end = partial_.find("\r\n", from); end != std::string::npos;
+       end = partial_.find("\r\n", start)) {
     lines_.emplace_back(partial_, start, end - start);
     start = end + 2;
   }

@@ -14,7 +14,8 @@ using enum TMyDumpObject;
 
 std::string backQuoted(const std::string& name) { return ScriptName(name, true); }
 
-std::string statusWhere(const std::string& database, const std::function<std::string(const std::string&)>& quote) {
+std::string statusWhere(const std::string& database,
+                        const std::function<std::string(const std::string&)>& quote) {
   return " where lower(db) = lower(" + quote(database) + ")";
 }
 
@@ -39,7 +40,8 @@ std::pair<std::string, std::string> betweenBounds(const std::string& value) {
   std::string lower = value;
   for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   const size_t at = lower.find(" and ");
-  if (at == std::string::npos) throw std::invalid_argument("BETWEEN needs a value of the form \"low AND high\"");
+  if (at == std::string::npos)
+    throw std::invalid_argument("BETWEEN needs a value of the form \"low AND high\"");
   return {value.substr(0, at), value.substr(at + 5)};
 }
 
@@ -49,17 +51,23 @@ namespace exportsql {
 
 std::string databases() { return "Show databases "; }
 
-std::string tableStatus(const std::string& database) { return "show table status  from " + backQuoted(database); }
+std::string tableStatus(const std::string& database) {
+  return "show table status  from " + backQuoted(database);
+}
 
-std::string procedureStatus(const std::string& database, const std::function<std::string(const std::string&)>& quote) {
+std::string procedureStatus(const std::string& database,
+                            const std::function<std::string(const std::string&)>& quote) {
   return "SHOW PROCEDURE STATUS " + statusWhere(database, quote);
 }
 
-std::string functionStatus(const std::string& database, const std::function<std::string(const std::string&)>& quote) {
+std::string functionStatus(const std::string& database,
+                           const std::function<std::string(const std::string&)>& quote) {
   return "SHOW FUNCTION STATUS " + statusWhere(database, quote);
 }
 
-std::string triggers(const std::string& database) { return "SHOW TRIGGERS FROM " + ScriptName(database, false); }
+std::string triggers(const std::string& database) {
+  return "SHOW TRIGGERS FROM " + ScriptName(database, false);
+}
 
 std::string fields(const std::string& database, const std::string& table) {
   return "show fields FROM " + ScriptName(database, false) + "." + backQuoted(table);
@@ -79,7 +87,8 @@ TMyDumpObjects ObjectsFromKinds(const TExportKinds& kinds) {
   return objects;
 }
 
-std::string UserSqlQuery(const TUserSqlState& state, const std::function<std::string(const std::string&)>& quote) {
+std::string UserSqlQuery(const TUserSqlState& state,
+                         const std::function<std::string(const std::string&)>& quote) {
   if (state.table.empty()) throw std::invalid_argument("Choose a table");
   std::string where;
   for (size_t i = 0; i < state.conditions.size(); ++i) {

@@ -15,8 +15,10 @@ namespace exportsql {
 std::string databases();
 std::string tableStatus(const std::string& database);
 // quote: the single-quoted, escaped form of a value.
-std::string procedureStatus(const std::string& database, const std::function<std::string(const std::string&)>& quote);
-std::string functionStatus(const std::string& database, const std::function<std::string(const std::string&)>& quote);
+std::string procedureStatus(const std::string& database,
+                            const std::function<std::string(const std::string&)>& quote);
+std::string functionStatus(const std::string& database,
+                           const std::function<std::string(const std::string&)>& quote);
 std::string triggers(const std::string& database);
 std::string fields(const std::string& database, const std::string& table);
 }  // namespace exportsql
@@ -41,11 +43,13 @@ struct TUserSqlState {
   std::array<TUserSqlCondition, 3> conditions;
   std::array<std::string, 2> joiners;  // "AND", "OR" or empty: empty disables the next condition
 };
-inline const std::vector<std::string> kUserSqlOperators = {"=",  "<>",      ">",       ">=",          "<",
+inline const std::vector<std::string> kUserSqlOperators = {"=",  "<>",   ">",       ">=",          "<",
                                                            "<=", "LIKE", "BETWEEN", "IS NOT NULL", "IS NULL"};
-// "SELECT * FROM `db`.`t` WHERE ..." from the tab (the session may be on another database). A condition without a column is left out; BETWEEN
-// takes "low AND high" in its value. quote: the single-quoted, escaped form of a value.
-std::string UserSqlQuery(const TUserSqlState& state, const std::function<std::string(const std::string&)>& quote);
+// "SELECT * FROM `db`.`t` WHERE ..." from the tab (the session may be on another database). A condition
+// without a column is left out; BETWEEN takes "low AND high" in its value. quote: the single-quoted, escaped
+// form of a value.
+std::string UserSqlQuery(const TUserSqlState& state,
+                         const std::function<std::string(const std::string&)>& quote);
 
 enum class TExportItemKind { Table, Procedure, Function, Trigger };
 struct TExportItem {
@@ -75,7 +79,7 @@ struct TExportDbState {
 struct TExportRun {
   TMyDumpObjects objects;
   std::string tableNames, storedProcNames, triggerNames;
-  bool queryRun = false;       // BackupQuery with query, all options off but HexBlob
+  bool queryRun = false;  // BackupQuery with query, all options off but HexBlob
   std::string query;
   std::filesystem::path file;  // empty: the clipboard
   std::string objectName;      // a run of one list item: uncheck it when done

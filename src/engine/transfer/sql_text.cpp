@@ -12,6 +12,7 @@ namespace {
 
 // Words the server's parser reserves (MariaDB and MySQL 8 together): a bare name spelled like one
 // would not parse, so such names are back-quoted even when quoting is off.
+// clang-format off
 constexpr std::array kReservedWords = {
     "ACCESSIBLE", "ADD", "ALL", "ALTER", "ANALYZE", "AND", "AS", "ASC", "ASENSITIVE", "BEFORE",
     "BETWEEN", "BIGINT", "BINARY", "BLOB", "BOTH", "BY", "CALL", "CASCADE", "CASE", "CHANGE", "CHAR",
@@ -49,6 +50,7 @@ constexpr std::array kReservedWords = {
     "VALUES", "VARBINARY", "VARCHAR", "VARCHARACTER", "VARYING", "VIRTUAL", "WHEN", "WHERE",
     "WHILE", "WINDOW", "WITH", "WRITE", "XOR", "YEAR_MONTH", "ZEROFILL",
 };
+// clang-format on
 
 bool isReserved(std::string_view name) {
   std::string upper(name);
@@ -157,8 +159,8 @@ std::string QuotedString(TMyConnection& connection, std::string_view value) {
   return out;
 }
 
-void AppendLiteral(std::string& out, TMyConnection& connection, const TMyField& field,
-                   std::string_view value, bool isNull, bool hexBlob) {
+void AppendLiteral(std::string& out, TMyConnection& connection, const TMyField& field, std::string_view value,
+                   bool isNull, bool hexBlob) {
   if (isNull || field.Type == TMyFieldType::Null) {
     out += "NULL";
     return;

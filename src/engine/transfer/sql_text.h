@@ -22,7 +22,7 @@ std::string QuotedString(TMyConnection& connection, std::string_view value);
 // Appends the SQL literal of one column value as the text protocol delivered it: numbers exactly
 // as sent, temporal values quoted, BIT as b'…', binary values as 0x… with hexBlob, text escaped by
 // the client library.
-void AppendLiteral(std::string& out, TMyConnection& connection, const TMyField& field,
-                   std::string_view value, bool isNull, bool hexBlob);
+void AppendLiteral(std::string& out, TMyConnection& connection, const TMyField& field, std::string_view value,
+                   bool isNull, bool hexBlob);
 
 }  // namespace lomarin

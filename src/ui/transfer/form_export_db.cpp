@@ -97,7 +97,8 @@ TfrmExportDb::TfrmExportDb(TMyConnection& session, SettingsStore& settings, QWid
 
   connect(w_->cobodb, &QComboBox::currentTextChanged, this, &TfrmExportDb::cobodbChange);
   connect(w_->chkFullExport, &QCheckBox::clicked, this, &TfrmExportDb::chkFullExportClick);
-  for (QCheckBox* kind : w_->kindBoxes()) connect(kind, &QCheckBox::clicked, this, &TfrmExportDb::kindBoxClick);
+  for (QCheckBox* kind : w_->kindBoxes())
+    connect(kind, &QCheckBox::clicked, this, &TfrmExportDb::kindBoxClick);
   connect(w_->chkCheckAll, &QCheckBox::clicked, this, [this](bool on) {
     for (int i = 0; i < w_->lstTables->count(); ++i)
       w_->lstTables->item(i)->setCheckState(on ? Qt::Checked : Qt::Unchecked);
@@ -114,7 +115,8 @@ TfrmExportDb::TfrmExportDb(TMyConnection& session, SettingsStore& settings, QWid
   connect(w_->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 
   const std::string fallback = (dataFolder() / "Backups" / "").string();
-  w_->edtDirectory->setText(QString::fromStdString(BackupFolder(settings_.read(opt::BackupDirectory), fallback)));
+  w_->edtDirectory->setText(
+      QString::fromStdString(BackupFolder(settings_.read(opt::BackupDirectory), fallback)));
   fillDatabases();
 }
 
@@ -222,7 +224,8 @@ QWidget* TfrmExportDb::buildFileBox() {
   auto* browse = named(new QPushButton("..."), "btnBrowse");
   browse->setFixedWidth(32);
   connect(browse, &QPushButton::clicked, this, [this] {
-    const QString folder = QFileDialog::getExistingDirectory(this, "Backup Directory", w_->edtDirectory->text());
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, "Backup Directory", w_->edtDirectory->text());
     if (!folder.isEmpty()) w_->edtDirectory->setText(QDir(folder).absolutePath() + "/");
   });
   auto* directory = new QHBoxLayout;
@@ -326,7 +329,8 @@ void TfrmExportDb::updateUserSqlRows() {
   for (size_t i = 1; i < 3; ++i) {
     enabled = enabled && !w_->cboJoin[i - 1]->currentText().isEmpty();
     if (i < 2) w_->cboJoin[i]->setEnabled(enabled);
-    for (QWidget* widget : std::initializer_list<QWidget*>{w_->cboField[i], w_->cboOperator[i], w_->edtValue[i]})
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{w_->cboField[i], w_->cboOperator[i], w_->edtValue[i]})
       widget->setEnabled(enabled);
   }
 }

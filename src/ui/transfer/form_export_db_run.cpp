@@ -25,20 +25,22 @@ TExportDbState TfrmExportDb::state() const {
   s.serverMajorVersion = session_.ServerMajorVersion();
   for (int i = 0; i < w_->lstTables->count(); ++i) {
     const QListWidgetItem* item = w_->lstTables->item(i);
-    s.tables.push_back({item->text().toStdString(), TExportItemKind::Table, item->checkState() == Qt::Checked});
+    s.tables.push_back(
+        {item->text().toStdString(), TExportItemKind::Table, item->checkState() == Qt::Checked});
   }
   for (int i = 0; i < w_->lstStoredProcs->topLevelItemCount(); ++i) {
     const QTreeWidgetItem* item = w_->lstStoredProcs->topLevelItem(i);
     const QString kind = item->text(1);
     s.routines.push_back({item->text(0).toStdString(),
-                          kind == "Trigger"     ? TExportItemKind::Trigger
+                          kind == "Trigger"    ? TExportItemKind::Trigger
                           : kind == "Function" ? TExportItemKind::Function
                                                : TExportItemKind::Procedure,
                           item->checkState(0) == Qt::Checked});
   }
   s.fullExport = w_->chkFullExport->isChecked();
-  s.kinds = {w_->chkTableScript->isChecked(), w_->chkTableData->isChecked(),  w_->chkDatabaseScripts->isChecked(),
-             w_->chkDatabaseUsers->isChecked(), w_->chkStoredProcs->isChecked(), w_->chkViewScript->isChecked(),
+  s.kinds = {w_->chkTableScript->isChecked(),     w_->chkTableData->isChecked(),
+             w_->chkDatabaseScripts->isChecked(), w_->chkDatabaseUsers->isChecked(),
+             w_->chkStoredProcs->isChecked(),     w_->chkViewScript->isChecked(),
              w_->chkTriggers->isChecked()};
   s.userSqlTab = w_->pgcExport->currentWidget() == w_->tsUserSql;
   s.userSql.table = w_->cboUserTable->currentText().toStdString();
@@ -151,7 +153,8 @@ void TfrmExportDb::uncheckItem(const TExportRun& run) {
   if (run.objectName.empty()) return;
   const QString name = QString::fromStdString(run.objectName);
   if (run.isTableItem) {
-    for (QListWidgetItem* item : w_->lstTables->findItems(name, Qt::MatchExactly)) item->setCheckState(Qt::Unchecked);
+    for (QListWidgetItem* item : w_->lstTables->findItems(name, Qt::MatchExactly))
+      item->setCheckState(Qt::Unchecked);
   } else {
     for (QTreeWidgetItem* item : w_->lstStoredProcs->findItems(name, Qt::MatchExactly, 0))
       item->setCheckState(0, Qt::Unchecked);

@@ -74,8 +74,8 @@ struct TfrmExportDb::Widgets {
   QPushButton* btnCancel = nullptr;
 
   std::array<QCheckBox*, 7> kindBoxes() const {
-    return {chkTableData, chkDatabaseScripts, chkDatabaseUsers, chkTableScript, chkStoredProcs, chkViewScript,
-            chkTriggers};
+    return {chkTableData,   chkDatabaseScripts, chkDatabaseUsers, chkTableScript,
+            chkStoredProcs, chkViewScript,      chkTriggers};
   }
 };
 

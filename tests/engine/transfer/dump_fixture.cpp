@@ -29,12 +29,20 @@ std::string DumpFixture::script() {
 
 std::string DumpFixture::header() const {
   return "-- Lomarin data access version: 5.90.0.60\r\n"
-         "-- MySQL server version: " + session->ServerVersion() + "\r\n"
-         "-- MySQL client version: " + session->ClientVersion() + "\r\n"
+         "-- MySQL server version: " +
+         session->ServerVersion() +
+         "\r\n"
+         "-- MySQL client version: " +
+         session->ClientVersion() +
+         "\r\n"
          "-- Script date 2024-05-06 07:08:09\r\n"
          "-- ---------------------------------------------------------------------- \r\n"
-         "-- Server: " + session->Settings.Server + "\r\n"
-         "-- Database: " + database + "\r\n"
+         "-- Server: " +
+         session->Settings.Server +
+         "\r\n"
+         "-- Database: " +
+         database +
+         "\r\n"
          "\r\n";
 }
 
@@ -44,7 +52,9 @@ std::string DumpFixture::opening(bool foreignKeys) {
              "/*!40101 SET @OLD_CHARACTER_SET_RESULTS=@@CHARACTER_SET_RESULTS */;\r\n"
              "/*!40101 SET @OLD_COLLATION_CONNECTION=@@COLLATION_CONNECTION */;\r\n"
              "/*!40101 SET NAMES utf8mb4 */;\r\n") +
-         (foreignKeys ? "/*!40014 SET @OLD_FOREIGN_KEY_CHECKS=@@FOREIGN_KEY_CHECKS, FOREIGN_KEY_CHECKS=0 */;\r\n" : "") +
+         (foreignKeys
+              ? "/*!40014 SET @OLD_FOREIGN_KEY_CHECKS=@@FOREIGN_KEY_CHECKS, FOREIGN_KEY_CHECKS=0 */;\r\n"
+              : "") +
          "/*!40103 SET @OLD_TIME_ZONE=@@TIME_ZONE, TIME_ZONE='+00:00' */;\r\n"
          "/*!40101 SET @OLD_SQL_MODE=@@SQL_MODE, SQL_MODE='NO_AUTO_VALUE_ON_ZERO' */;\r\n"
          "\r\n";

@@ -14,7 +14,8 @@ namespace lomarin::test {
 // Statements a session sent, as the monitor traced them, without the time stamp.
 struct SentLog {
   explicit SentLog(TMyConnection& session) {
-    monitor.addListener([this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
+    monitor.addListener(
+        [this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
     session.setMonitor(&monitor);
   }
   TMySQLMonitor monitor;

@@ -24,8 +24,9 @@ std::vector<std::string> column(TMyConnection& session, const std::string& sql, 
 // Everything a restore must bring back, with the database name taken out of the texts.
 std::vector<std::string> fingerprint(TMyConnection& session, const std::string& db) {
   std::vector<std::string> print;
-  for (const auto& table : column(session, "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA = '" +
-                                               db + "' AND TABLE_TYPE = 'BASE TABLE' ORDER BY 1")) {
+  for (const auto& table :
+       column(session, "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA = '" + db +
+                           "' AND TABLE_TYPE = 'BASE TABLE' ORDER BY 1")) {
     print.push_back(table + " " + column(session, "CHECKSUM TABLE `" + db + "`.`" + table + "`", 1).at(0));
   }
   const std::string where = " = '" + db + "' ORDER BY 1";

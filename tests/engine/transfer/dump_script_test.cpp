@@ -33,18 +33,19 @@ std::string tablesOnly(DumpFixture& f) {
 
 TEST(DumpScript, TablesWithEngineDefaults) {
   DumpFixture f("dump_tables", kShop);
-  EXPECT_EQ(tablesOnly(f),
-            f.header() + DumpFixture::opening(true) +
-                "-- \r\n-- Table structure for table  items\r\n-- \r\n\r\n"
-                "DROP TABLE IF EXISTS items;\r\n" + kItemsCreate + ";\r\n\r\n"
-                "-- \r\n-- Dumping data for table items\r\n-- \r\n\r\n"
-                "LOCK TABLES items WRITE;\r\n"
-                "INSERT INTO items VALUES\r\n(1, 'pen'),\r\n(2, NULL),\r\n(3, 'ink');\r\n"
-                "UNLOCK TABLES;\r\n\r\n"
-                // An empty table: structure only, no data comment, no LOCK or DISABLE KEYS.
-                "-- \r\n-- Table structure for table  empty_t\r\n-- \r\n\r\n"
-                "DROP TABLE IF EXISTS empty_t;\r\n" + kEmptyCreate + ";\r\n\r\n" +
-                DumpFixture::closing(true));
+  EXPECT_EQ(tablesOnly(f), f.header() + DumpFixture::opening(true) +
+                               "-- \r\n-- Table structure for table  items\r\n-- \r\n\r\n"
+                               "DROP TABLE IF EXISTS items;\r\n" +
+                               kItemsCreate +
+                               ";\r\n\r\n"
+                               "-- \r\n-- Dumping data for table items\r\n-- \r\n\r\n"
+                               "LOCK TABLES items WRITE;\r\n"
+                               "INSERT INTO items VALUES\r\n(1, 'pen'),\r\n(2, NULL),\r\n(3, 'ink');\r\n"
+                               "UNLOCK TABLES;\r\n\r\n"
+                               // An empty table: structure only, no data comment, no LOCK or DISABLE KEYS.
+                               "-- \r\n-- Table structure for table  empty_t\r\n-- \r\n\r\n"
+                               "DROP TABLE IF EXISTS empty_t;\r\n" +
+                               kEmptyCreate + ";\r\n\r\n" + DumpFixture::closing(true));
 }
 
 TEST(DumpScript, HeaderOffDropOffQuotedKeysDisabled) {
@@ -57,7 +58,8 @@ TEST(DumpScript, HeaderOffDropOffQuotedKeysDisabled) {
   f.dump.Options.UseExtSyntax = false;
   f.dump.Options.AddLock = false;
   const std::string script = tablesOnly(f);
-  EXPECT_EQ(script, DumpFixture::opening(true) + kItemsCreate + ";\r\n\r\n"
+  EXPECT_EQ(script, DumpFixture::opening(true) + kItemsCreate +
+                        ";\r\n\r\n"
                         "/*!40000 ALTER TABLE `items` DISABLE KEYS */;\r\n"
                         "INSERT INTO `items`(`id`, `name`) VALUES (1, 'pen');\r\n"
                         "INSERT INTO `items`(`id`, `name`) VALUES (2, NULL);\r\n"
@@ -114,36 +116,41 @@ TEST(DumpScript, DatabaseSectionAndNoForeignKeyLineWithoutTables) {
 }
 
 TEST(DumpScript, RoutinesTriggersAndEvents) {
-  DumpFixture f("dump_code", {
-      "CREATE TABLE t (a INT NULL)",
-      "CREATE PROCEDURE p_touch(IN x INT)\nBEGIN\n  SELECT x;\nEND",
-      "CREATE TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW SET NEW.a = NEW.a + 1",
-      "CREATE EVENT ev_clear ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 00:00:00' DO DELETE FROM t",
-  });
+  DumpFixture f(
+      "dump_code",
+      {
+          "CREATE TABLE t (a INT NULL)",
+          "CREATE PROCEDURE p_touch(IN x INT)\nBEGIN\n  SELECT x;\nEND",
+          "CREATE TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW SET NEW.a = NEW.a + 1",
+          "CREATE EVENT ev_clear ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 00:00:00' DO DELETE FROM t",
+      });
   const std::string definer = test::scalar(*f.session, "SELECT CURRENT_USER()");
   const std::string at = definer.substr(0, definer.find('@'));
   const std::string by = "`" + at + "`@`" + definer.substr(definer.find('@') + 1) + "`";
   f.dump.Objects = TMyDumpObjects(TMyDumpObject::doStoredProcs) | TMyDumpObject::doTriggers;
-  EXPECT_EQ(f.script(),
-            f.header() + DumpFixture::opening(false) +
-                "-- \r\n-- StoredProc  p_touch\r\n-- \r\n\r\n"
-                "DELIMITER $$\r\n"
-                "DROP PROCEDURE IF EXISTS p_touch $$\r\n"
-                "CREATE DEFINER=" + by + " PROCEDURE `p_touch`(IN x INT)\nBEGIN\n  SELECT x;\nEND $$\r\n"
-                "DELIMITER ;\r\n\r\n"
-                "DELIMITER $$\r\n"
-                "-- \r\n-- Trigger  trg_t\r\n-- \r\n\r\n"
-                "DROP TRIGGER IF EXISTS trg_t $$\r\n"
-                "CREATE TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW\r\n"
-                "SET NEW.a = NEW.a + 1 $$\r\n"
-                "DELIMITER ;\r\n\r\n"
-                "-- \r\n-- Event  ev_clear\r\n-- \r\n\r\n"
-                "DELIMITER $$\r\n"
-                "DROP EVENT IF EXISTS ev_clear $$\r\n"
-                "CREATE DEFINER=" + by + " EVENT `ev_clear` ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 00:00:00' "
-                "ON COMPLETION NOT PRESERVE ENABLE DO DELETE FROM t $$\r\n"
-                "DELIMITER ;\r\n\r\n" +
-                DumpFixture::closing(false));
+  EXPECT_EQ(f.script(), f.header() + DumpFixture::opening(false) +
+                            "-- \r\n-- StoredProc  p_touch\r\n-- \r\n\r\n"
+                            "DELIMITER $$\r\n"
+                            "DROP PROCEDURE IF EXISTS p_touch $$\r\n"
+                            "CREATE DEFINER=" +
+                            by +
+                            " PROCEDURE `p_touch`(IN x INT)\nBEGIN\n  SELECT x;\nEND $$\r\n"
+                            "DELIMITER ;\r\n\r\n"
+                            "DELIMITER $$\r\n"
+                            "-- \r\n-- Trigger  trg_t\r\n-- \r\n\r\n"
+                            "DROP TRIGGER IF EXISTS trg_t $$\r\n"
+                            "CREATE TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW\r\n"
+                            "SET NEW.a = NEW.a + 1 $$\r\n"
+                            "DELIMITER ;\r\n\r\n"
+                            "-- \r\n-- Event  ev_clear\r\n-- \r\n\r\n"
+                            "DELIMITER $$\r\n"
+                            "DROP EVENT IF EXISTS ev_clear $$\r\n"
+                            "CREATE DEFINER=" +
+                            by +
+                            " EVENT `ev_clear` ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 00:00:00' "
+                            "ON COMPLETION NOT PRESERVE ENABLE DO DELETE FROM t $$\r\n"
+                            "DELIMITER ;\r\n\r\n" +
+                            DumpFixture::closing(false));
   // Only the named routine: the event does not travel with it.
   f.dump.Objects = TMyDumpObject::doStoredProcs;
   f.dump.StoredProcNames = "p_touch ";
@@ -157,8 +164,9 @@ TEST(DumpScript, RoutinesTriggersAndEvents) {
 
 TEST(DumpScript, ViewsFollowTablesInDependencyOrder) {
   // v_a reads v_b, which is listed after it.
-  DumpFixture f("dump_views", {"CREATE TABLE z_base (id INT NULL)", "CREATE VIEW v_b AS SELECT id FROM z_base",
-                               "CREATE VIEW v_a AS SELECT id FROM v_b"});
+  DumpFixture f("dump_views",
+                {"CREATE TABLE z_base (id INT NULL)", "CREATE VIEW v_b AS SELECT id FROM z_base",
+                 "CREATE VIEW v_a AS SELECT id FROM v_b"});
   f.dump.Objects = TMyDumpObject::doViews;
   f.dump.Options.GenerateHeader = false;
   const std::string script = f.script();
@@ -190,7 +198,8 @@ TEST(DumpScript, AnonymousAccountIsWrittenWithEmptyBackQuotes) {
 }
 
 TEST(DumpScript, OddNamesStayInsideTheirLinesAndStatements) {
-  DumpFixture f("dump_odd", {"CREATE TABLE `we``ird\nname` (`order` INT NULL)", "INSERT INTO `we``ird\nname` VALUES (7)"});
+  DumpFixture f("dump_odd", {"CREATE TABLE `we``ird\nname` (`order` INT NULL)",
+                             "INSERT INTO `we``ird\nname` VALUES (7)"});
   f.dump.Objects = TMyDumpObjects(TMyDumpObject::doTables) | TMyDumpObject::doData;
   f.dump.Options.CompleteInsert = true;
   const std::string script = f.script();
@@ -215,7 +224,8 @@ TEST(DumpScript, EngineErrors) {
   EXPECT_EQ(message(f.dump, "SELECT i.id, e.id FROM items i JOIN empty_t e"), "Query must contain one table");
   EXPECT_EQ(message(f.dump, "SELECT 1"), "Query must contain one table");
   f.dump.TableNames = "items,empty_t";
-  EXPECT_EQ(message(f.dump, "SELECT * FROM items"), "To execute BackupQuery TableNames must have not more than one table");
+  EXPECT_EQ(message(f.dump, "SELECT * FROM items"),
+            "To execute BackupQuery TableNames must have not more than one table");
   // The session is still usable after each refusal.
   EXPECT_EQ(test::scalar(*f.session, "SELECT COUNT(*) FROM items"), "3");
 }

@@ -1,3 +1,5 @@
+#include "engine/transfer/dump_sink.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -6,7 +8,6 @@
 
 #include "dump_fixture.h"
 #include "engine/transfer/dump_catalog.h"
-#include "engine/transfer/dump_sink.h"
 
 namespace lomarin {
 namespace {
@@ -66,7 +67,8 @@ TEST(DumpNames, ViewOrderPutsUsedViewsFirstAndSurvivesFalseCycles) {
                                           "select * from `t`", "select 1"};
   EXPECT_EQ(ViewOrder(names, texts), (std::vector<size_t>{2, 3, 1, 0}));
   // Two views that seem to read each other (a column named like the other view) keep their order.
-  EXPECT_EQ(ViewOrder({"x", "y"}, {"select `y` from `t`", "select `x` from `t`"}), (std::vector<size_t>{0, 1}));
+  EXPECT_EQ(ViewOrder({"x", "y"}, {"select `y` from `t`", "select `x` from `t`"}),
+            (std::vector<size_t>{0, 1}));
 }
 
 TEST(DumpProgress, ReportsEachObjectAndStopsOnRequest) {
@@ -74,7 +76,8 @@ TEST(DumpProgress, ReportsEachObjectAndStopsOnRequest) {
                                         "CREATE TABLE b (id INT NULL)", "CREATE VIEW c AS SELECT id FROM a"});
   std::vector<std::string> seen;
   f.dump.OnBackupProgress = [&](const std::string& name, int num, int count, int percent) {
-    seen.push_back(name + " " + std::to_string(num) + "/" + std::to_string(count) + " " + std::to_string(percent));
+    seen.push_back(name + " " + std::to_string(num) + "/" + std::to_string(count) + " " +
+                   std::to_string(percent));
   };
   f.dump.Backup();
   EXPECT_EQ(seen, (std::vector<std::string>{"a 1/3 0", "a 1/3 100", "b 2/3 0", "b 2/3 100", "c 3/3 0",

@@ -10,7 +10,8 @@ namespace {
 using test::DumpFixture;
 
 const std::vector<std::string> kTypes = {
-    "CREATE TABLE v (id INT NOT NULL PRIMARY KEY, i BIGINT UNSIGNED NULL, d DECIMAL(30,10) NULL, f FLOAT NULL,"
+    "CREATE TABLE v (id INT NOT NULL PRIMARY KEY, i BIGINT UNSIGNED NULL, d DECIMAL(30,10) NULL, f FLOAT "
+    "NULL,"
     " g DOUBLE NULL, dt DATE NULL, tm TIME(3) NULL, dtm DATETIME(6) NULL, ts TIMESTAMP NULL, y YEAR NULL,"
     " b BIT(10) NULL, s VARCHAR(50) NULL, bin VARBINARY(20) NULL, e ENUM('a','b') NULL, st SET('x','y') NULL,"
     " u VARCHAR(20) CHARACTER SET utf8mb4 NULL, p POINT NULL, twice INT AS (id * 2) VIRTUAL) ENGINE=InnoDB",
@@ -18,13 +19,16 @@ const std::vector<std::string> kTypes = {
     "INSERT INTO v (id, i, d, f, g, dt, tm, dtm, ts, y, b, s, bin, e, st, u, p) VALUES"
     " (1, 18446744073709551615, -12345678901234567890.0123456789, 0.1, 1.7976931348623157e308, '2024-02-29',"
     " '-838:59:59.500', '2024-01-02 03:04:05.123456', '2024-06-01 14:00:00', 2155, b'1010000001',"
-    " CONCAT('It''s\\n\\\\ \"q\"', CHAR(0), CHAR(26)), X'00FF27', 'b', 'x,y', '\xF0\x9F\x98\x80\xF0\x9D\x84\x9E', POINT(1, 2)),"
-    " (2, 0, 0, -0.5, 2.5e-300, '0000-00-00', '00:00:00', '0000-00-00 00:00:00', '0000-00-00 00:00:00', 0, b'0',"
+    " CONCAT('It''s\\n\\\\ \"q\"', CHAR(0), CHAR(26)), X'00FF27', 'b', 'x,y', "
+    "'\xF0\x9F\x98\x80\xF0\x9D\x84\x9E', POINT(1, 2)),"
+    " (2, 0, 0, -0.5, 2.5e-300, '0000-00-00', '00:00:00', '0000-00-00 00:00:00', '0000-00-00 00:00:00', 0, "
+    "b'0',"
     " '', X'', 'a', '', '', NULL),"
     " (3, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL)",
 };
 
-const std::string kColumns = "INSERT INTO v(id, i, d, f, g, dt, tm, dtm, ts, y, b, s, bin, e, st, u, p) VALUES\r\n";
+const std::string kColumns =
+    "INSERT INTO v(id, i, d, f, g, dt, tm, dtm, ts, y, b, s, bin, e, st, u, p) VALUES\r\n";
 const std::string kRow1Head =
     "(1, 18446744073709551615, -12345678901234567890.0123456789, 0.1, 1.7976931348623157e308, '2024-02-29', "
     "'-838:59:59.500', '2024-01-02 03:04:05.123456', '2024-06-01 12:00:00', 2155, b'1010000001', "
@@ -34,7 +38,8 @@ const std::string kRow2Head =
     "(2, 0, 0.0000000000, -0.5, 2.5e-300, '0000-00-00', '00:00:00.000', '0000-00-00 00:00:00.000000', "
     "'0000-00-00 00:00:00', 0000, b'0', '', ";
 const std::string kRow3 =
-    "(3, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL);\r\n";
+    "(3, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, "
+    "NULL);\r\n";
 
 std::vector<std::string> checksums(TMyConnection& session) {
   TMyQuery query(session);
@@ -57,18 +62,21 @@ TEST(DumpValues, LiteralsAsStoredAndTheyLoadBack) {
     f.dump.Options.HexBlob = hex;
     const std::string script = f.script();
     EXPECT_EQ(test::scalar(*f.session, "SELECT @@session.time_zone"), "+05:00");
-    const std::string point = hex ? "0x000000000101000000000000000000F03F0000000000000040"
-                                  : std::string("'\\0\\0\\0\\0\1\1\\0\\0\\0\\0\\0\\0\\0\\0\\0\xF0?\\0\\0\\0\\0\\0\\0\\0@'");
+    const std::string point =
+        hex ? "0x000000000101000000000000000000F03F0000000000000040"
+            : std::string("'\\0\\0\\0\\0\1\1\\0\\0\\0\\0\\0\\0\\0\\0\\0\xF0?\\0\\0\\0\\0\\0\\0\\0@'");
     const std::string rows = kColumns + kRow1Head + (hex ? "0x00FF27" : "'\\0\xFF\\''") + kRow1Tail + point +
                              "),\r\n" + kRow2Head + "''" + ", 'a', '', '', NULL),\r\n" + kRow3;
-    EXPECT_NE(script.find("LOCK TABLES v WRITE;\r\n" + rows + "UNLOCK TABLES;\r\n"), std::string::npos) << script;
+    EXPECT_NE(script.find("LOCK TABLES v WRITE;\r\n" + rows + "UNLOCK TABLES;\r\n"), std::string::npos)
+        << script;
 
     ExecSQLText(*f.session, "DROP TABLE v");
     TMyScript run(*f.session);
     run.SQL = script;
     run.Execute();
     EXPECT_EQ(checksums(*f.session), before);
-    EXPECT_EQ(test::scalar(*f.session, "SELECT CONCAT(twice, ' ', ts) FROM v WHERE id = 1"), "2 2024-06-01 17:00:00");
+    EXPECT_EQ(test::scalar(*f.session, "SELECT CONCAT(twice, ' ', ts) FROM v WHERE id = 1"),
+              "2 2024-06-01 17:00:00");
     EXPECT_EQ(test::scalar(*f.session, "SELECT @@session.time_zone"), "+05:00");
   }
 }

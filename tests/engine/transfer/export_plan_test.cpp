@@ -1,6 +1,7 @@
+#include "engine/transfer/export_plan.h"
+
 #include <gtest/gtest.h>
 
-#include "engine/transfer/export_plan.h"
 #include "engine/transfer/sql_text.h"
 #include "test_server.h"
 
@@ -12,8 +13,10 @@ std::string plainQuote(const std::string& v) { return "'" + v + "'"; }
 TEST(ExportStatements, ListFillingTexts) {
   EXPECT_EQ(exportsql::databases(), "Show databases ");
   EXPECT_EQ(exportsql::tableStatus("shop"), "show table status  from `shop`");
-  EXPECT_EQ(exportsql::procedureStatus("shop", plainQuote), "SHOW PROCEDURE STATUS  where lower(db) = lower('shop')");
-  EXPECT_EQ(exportsql::functionStatus("shop", plainQuote), "SHOW FUNCTION STATUS  where lower(db) = lower('shop')");
+  EXPECT_EQ(exportsql::procedureStatus("shop", plainQuote),
+            "SHOW PROCEDURE STATUS  where lower(db) = lower('shop')");
+  EXPECT_EQ(exportsql::functionStatus("shop", plainQuote),
+            "SHOW FUNCTION STATUS  where lower(db) = lower('shop')");
   EXPECT_EQ(exportsql::triggers("shop"), "SHOW TRIGGERS FROM shop");
   EXPECT_EQ(exportsql::triggers("my shop"), "SHOW TRIGGERS FROM `my shop`");
   EXPECT_EQ(exportsql::fields("shop", "or`ders"), "show fields FROM shop.`or``ders`");
@@ -29,13 +32,15 @@ TEST(ExportUserSql, ConditionsJoinersAndOperators) {
   s.conditions[2] = {"note", "IS NULL", "ignored"};
   EXPECT_EQ(UserSqlQuery(s, plainQuote), "SELECT * FROM `shop`.`items` WHERE `price` >= '10'");
   s.joiners = {"OR", ""};
-  EXPECT_EQ(UserSqlQuery(s, plainQuote), "SELECT * FROM `shop`.`items` WHERE `price` >= '10' OR `name` LIKE 'pen%'");
+  EXPECT_EQ(UserSqlQuery(s, plainQuote),
+            "SELECT * FROM `shop`.`items` WHERE `price` >= '10' OR `name` LIKE 'pen%'");
   s.joiners = {"", "AND"};  // an empty joiner disables every row after it
   EXPECT_EQ(UserSqlQuery(s, plainQuote), "SELECT * FROM `shop`.`items` WHERE `price` >= '10'");
   s.joiners = {"AND", "AND"};
   s.conditions[1] = {"id", "BETWEEN", "3 and 9"};
-  EXPECT_EQ(UserSqlQuery(s, plainQuote),
-            "SELECT * FROM `shop`.`items` WHERE `price` >= '10' AND `id` BETWEEN '3' AND '9' AND `note` IS NULL");
+  EXPECT_EQ(
+      UserSqlQuery(s, plainQuote),
+      "SELECT * FROM `shop`.`items` WHERE `price` >= '10' AND `id` BETWEEN '3' AND '9' AND `note` IS NULL");
   s.conditions[1].value = "3";
   EXPECT_THROW(UserSqlQuery(s, plainQuote), std::invalid_argument);
   s.conditions[1] = {"id", "; DROP", "1"};
@@ -59,7 +64,8 @@ TExportDbState shopState() {
   s.database = "shop";
   s.currentDatabase = "shop";
   s.tables = {{"a", TExportItemKind::Table, true}, {"b", TExportItemKind::Table, true}};
-  s.routines = {{"p", TExportItemKind::Procedure, true}, {"f", TExportItemKind::Function, true},
+  s.routines = {{"p", TExportItemKind::Procedure, true},
+                {"f", TExportItemKind::Function, true},
                 {"trg", TExportItemKind::Trigger, true}};
   s.directory = "/backups";
   s.fileName = "shop.sql";

@@ -1,3 +1,5 @@
+#include "ui/transfer/form_export_db.h"
+
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
@@ -17,7 +19,6 @@
 #include "engine/app/settings_store.h"
 #include "engine/connect/my_query.h"
 #include "test_server.h"
-#include "ui/transfer/form_export_db.h"
 #include "ui_test_registry.h"
 
 using namespace lomarin;
@@ -88,18 +89,21 @@ class FormExportDbTest : public QObject {
     QCOMPARE(tables->item(1)->checkState(), Qt::Checked);
     auto* routines = child<QTreeWidget>(form.get(), "lstStoredProcs");
     QCOMPARE(routines->topLevelItemCount(), 2);
-    QCOMPARE(routines->topLevelItem(0)->text(0) + " " + routines->topLevelItem(0)->text(1), QString("p Procedure"));
-    QCOMPARE(routines->topLevelItem(1)->text(0) + " " + routines->topLevelItem(1)->text(1), QString("trg Trigger"));
+    QCOMPARE(routines->topLevelItem(0)->text(0) + " " + routines->topLevelItem(0)->text(1),
+             QString("p Procedure"));
+    QCOMPARE(routines->topLevelItem(1)->text(0) + " " + routines->topLevelItem(1)->text(1),
+             QString("trg Trigger"));
     const std::pair<const char*, bool> boxes[] = {
-        {"chkFullExport", false},   {"chkTableData", true},      {"chkDatabaseScripts", false},
-        {"chkDatabaseUsers", false}, {"chkTableScript", true},   {"chkStoredProcs", false},
-        {"chkViewScript", true},    {"chkTriggers", false},      {"chkGenerateHeader", false},
-        {"chkDropStatements", true}, {"chkQuoteNames", false},   {"chkLockStatements", false},
-        {"chkDisableKeys", true},   {"chkHexBlob", false},       {"chkExtendedInserts", false},
-        {"chkDelayedInserts", false}, {"chkOnlyFile", true},     {"chkOpenFile", false},
+        {"chkFullExport", false},     {"chkTableData", true},   {"chkDatabaseScripts", false},
+        {"chkDatabaseUsers", false},  {"chkTableScript", true}, {"chkStoredProcs", false},
+        {"chkViewScript", true},      {"chkTriggers", false},   {"chkGenerateHeader", false},
+        {"chkDropStatements", true},  {"chkQuoteNames", false}, {"chkLockStatements", false},
+        {"chkDisableKeys", true},     {"chkHexBlob", false},    {"chkExtendedInserts", false},
+        {"chkDelayedInserts", false}, {"chkOnlyFile", true},    {"chkOpenFile", false},
         {"chkCheckAll", true},
     };
-    for (const auto& [name, on] : boxes) QVERIFY2(child<QCheckBox>(form.get(), name)->isChecked() == on, name);
+    for (const auto& [name, on] : boxes)
+      QVERIFY2(child<QCheckBox>(form.get(), name)->isChecked() == on, name);
     QVERIFY(child<QRadioButton>(form.get(), "rbSaveToFile")->isChecked());
     QCOMPARE(child<QLineEdit>(form.get(), "edtDirectory")->text(), dir_->filePath("data/Backups/"));
     QCOMPARE(child<QLineEdit>(form.get(), "edtFileName")->text(), QString("ui_export.sql"));
@@ -107,7 +111,8 @@ class FormExportDbTest : public QObject {
       child<QComboBox>(form.get(), name);
     child<QLineEdit>(form.get(), "edtValue2");
     child<QProgressBar>(form.get(), "pbExport");
-    QVERIFY2(!child<QComboBox>(form.get(), "cboField2")->isEnabled(), "an empty joiner disables the next row");
+    QVERIFY2(!child<QComboBox>(form.get(), "cboField2")->isEnabled(),
+             "an empty joiner disables the next row");
     snapshot(form.get(), "export-objects");
     child<QTabWidget>(form.get(), "pgcExport")->setCurrentIndex(2);
     snapshot(form.get(), "export-user-sql");
@@ -136,7 +141,9 @@ class FormExportDbTest : public QObject {
     QCOMPARE(form->result(), int(QDialog::Accepted));
     const std::string script = readFile(dir_->filePath("data/Backups/ui_export.sql"));
     QVERIFY(has(script, "\r\nDROP TABLE IF EXISTS a;\r\nCREATE TABLE `a` ("));
-    QVERIFY(has(script, "/*!40000 ALTER TABLE a DISABLE KEYS */;\r\nINSERT INTO a VALUES (1);\r\nINSERT INTO a VALUES (2);"));
+    QVERIFY(has(
+        script,
+        "/*!40000 ALTER TABLE a DISABLE KEYS */;\r\nINSERT INTO a VALUES (1);\r\nINSERT INTO a VALUES (2);"));
     QVERIFY(!has(script, "LOCK TABLES"));
     QVERIFY(!has(script, "\r\n-- "));
   }
@@ -153,7 +160,8 @@ class FormExportDbTest : public QObject {
     QVERIFY(has(readFile(dir_->filePath("each/a.sql")), "INSERT INTO a VALUES (1);"));
     QVERIFY(!QFile::exists(dir_->filePath("each/b.sql")));
     QVERIFY(has(readFile(dir_->filePath("each/p.sql")), "DROP PROCEDURE IF EXISTS p $$"));
-    QVERIFY(has(readFile(dir_->filePath("each/trg.sql")), "CREATE TRIGGER trg BEFORE INSERT ON b FOR EACH ROW"));
+    QVERIFY(
+        has(readFile(dir_->filePath("each/trg.sql")), "CREATE TRIGGER trg BEFORE INSERT ON b FOR EACH ROW"));
     QCOMPARE(tables->item(0)->checkState(), Qt::Unchecked);
     QCOMPARE(child<QTreeWidget>(form.get(), "lstStoredProcs")->topLevelItem(0)->checkState(0), Qt::Unchecked);
   }
