@@ -36,7 +36,6 @@ class TVirtualTable {
   // Values beyond a string field's size are cut, as the field holds no more.
   void Append(Record record);
   void Delete(size_t index);
-  void Clear() { records_.clear(); }
 
   // Replaces the records with the file's. Throws VtdFormatError when the file is damaged or
   // holds another table; the file is only read.
