@@ -180,7 +180,8 @@ void Tformppal::FormCreate() {
 void Tformppal::addDocument(QWidget* document) {
   QMdiSubWindow* window = mdiArea_->addSubWindow(document);
   window->setAttribute(Qt::WA_DeleteOnClose);
-  window->show();
+  // Documents are tabs: each fills the area.
+  window->showMaximized();
   mdiArea_->setActiveSubWindow(window);
 }
 

@@ -337,6 +337,8 @@ class MainWindowTest : public QObject {
     lomarin::test::onNextModal<TExceptionDialog>([&](TExceptionDialog* dialog) {
       message = dialog->message();
       details = dialog->details();
+      dialog->findChild<QPushButton*>("btnDetails")->click();
+      lomarin::test::render(*dialog, "exception_dialog");
     });
     QVERIFY(!lomarin::ExecSQLText(window.MySqlSession, "select * from no_such_table"));
     QCOMPARE(message, QString("1146\nTable 'lomarin_demo.no_such_table' doesn't exist"));
@@ -385,6 +387,8 @@ class MainWindowTest : public QObject {
     auto* editor = qobject_cast<lomarin::ui::TformEditorEX*>(window.mdiArea()->subWindowList()[0]->widget());
     QVERIFY(editor);
     QCOMPARE(editor->editor()->text(), QString("first line\nsecond line\n"));
+    window.show();
+    lomarin::test::render(window, "text_editor");
     // Opening it again shows the open document instead of a second copy.
     window.CheckParam(notes);
     QCOMPARE(window.mdiArea()->subWindowList().size(), 1);
@@ -402,6 +406,7 @@ class MainWindowTest : public QObject {
       const auto items = list->findItems("lomarin_demo", Qt::MatchExactly);
       QCOMPARE(items.size(), 1);
       list->setCurrentItem(items[0]);
+      lomarin::test::render(*d, "select_database");
       d->accept();
     });
     QVERIFY(!window.currentdb());
