@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <csignal>
 #include <map>
 #include <stdexcept>
 
@@ -58,6 +59,31 @@ int parseCount(const std::string& text) {
     throw std::invalid_argument("invalid --commit-batch value: " + text);
   return value;
 }
+
+volatile std::sig_atomic_t interrupted = 0;
+
+// Ctrl-C stops the dump between rows, so the temporary file is removed rather than left behind.
+class InterruptScope {
+ public:
+  InterruptScope() {
+    interrupted = 0;
+    struct sigaction action {};
+    action.sa_handler = [](int) { interrupted = 1; };
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &previous_);
+    sigaction(SIGTERM, &action, &previousTerm_);
+  }
+  ~InterruptScope() {
+    sigaction(SIGINT, &previous_, nullptr);
+    sigaction(SIGTERM, &previousTerm_, nullptr);
+  }
+  InterruptScope(const InterruptScope&) = delete;
+  InterruptScope& operator=(const InterruptScope&) = delete;
+
+ private:
+  struct sigaction previous_ {};
+  struct sigaction previousTerm_ {};
+};
 
 }  // namespace
 
@@ -128,6 +154,8 @@ int runDump(const ParsedArgs& args, std::FILE* out, std::FILE* err) {
   dump.TableNames = request.tableNames;
   dump.StoredProcNames = request.routineNames;
   dump.TriggerNames = request.triggerNames;
+  InterruptScope interrupts;
+  dump.StopRequested = [] { return interrupted != 0; };
   const bool showProgress = isatty(fileno(err)) != 0;
   if (showProgress) {
     dump.OnBackupProgress = [err](const std::string& object, int num, int count, int percent) {

@@ -9,6 +9,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalSpy>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -135,7 +136,11 @@ class FormExportDbTest : public QObject {
     auto form = open();
     auto* directory = child<QLineEdit>(form.get(), "edtDirectory");
     directory->setText(dir_->filePath("elsewhere"));
+    child<QCheckBox>(form.get(), "chkOpenFile")->setChecked(true);
+    QSignalSpy opened(form.get(), &TfrmExportDb::openFileRequested);
     child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(opened.count(), 1);
+    QCOMPARE(opened.at(0).at(0).toString(), dir_->filePath("data/Backups/ui_export.sql"));
     QCOMPARE(errors_, QStringList());
     QCOMPARE(directory->text(), dir_->filePath("data/Backups/"));
     QCOMPARE(form->result(), int(QDialog::Accepted));
