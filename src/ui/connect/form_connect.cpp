@@ -1,6 +1,7 @@
 #include "ui/connect/form_connect.h"
 
 #include <QApplication>
+#include <QSignalBlocker>
 #include <QMessageBox>
 #include <QStyle>
 
@@ -99,6 +100,24 @@ void TformConnect::fillAccountList() {
   }
   for (int column = 0; column < ui_->lvAccounts->columnCount(); ++column)
     ui_->lvAccounts->resizeColumnToContents(column);
+  offerKnownTexts();
+}
+
+// The server and database boxes offer the texts the stored accounts use; what is typed stays.
+void TformConnect::offerKnownTexts() {
+  auto& f = ui_->frmAccount->fields();
+  for (auto [box, column] : {std::pair{f.cboServer, 2}, std::pair{f.cboDatabase, 3}}) {
+    const QString typed = box->currentText();
+    QStringList known;
+    for (int i = 0; i < ui_->lvAccounts->topLevelItemCount(); ++i) {
+      const QString text = ui_->lvAccounts->topLevelItem(i)->text(column);
+      if (!text.isEmpty() && !known.contains(text)) known << text;
+    }
+    const QSignalBlocker blocker(box);
+    box->clear();
+    box->addItems(known);
+    box->setEditText(typed);
+  }
 }
 
 void TformConnect::lvAccountsClick(QTreeWidgetItem* item) {

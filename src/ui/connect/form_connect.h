@@ -44,6 +44,7 @@ class TformConnect : public QDialog {
  private:
   void readDefaults();
   void fillAccountList();
+  void offerKnownTexts();
   void lvAccountsClick(QTreeWidgetItem* item);
   void btnAddClick();
   void btnEditClick();

@@ -155,6 +155,10 @@ class FormConnectTest : public QObject {
     QCOMPARE(list->topLevelItem(1)->data(0, Qt::UserRole).toBool(), true);
     QVERIFY(list->topLevelItem(0)->icon(0).cacheKey() != list->topLevelItem(1)->icon(0).cacheKey());
 
+    auto* servers = child<QComboBox>(&form, "cboServer");
+    QCOMPARE(servers->count(), 1);
+    QCOMPARE(servers->itemText(0), QString("db.example"));
+
     QString refused;
     addAccount("Plain", false, &refused);
     QCOMPARE(refused, QString("The name already exists "));
