@@ -105,15 +105,15 @@ TEST(ExecCommand, DumpOfTheDemoDatabaseRoundTrips) {
   EXPECT_NE(original.find("order_items="), std::string::npos);
   const std::string routines = "select count(*) from information_schema.routines where routine_schema = ";
   for (bool optimize : {false, true}) {
-    test::sideExec("DROP DATABASE IF EXISTS lomarin_demo_copy");
-    test::sideExec("CREATE DATABASE lomarin_demo_copy");
+    test::sideExec("DROP DATABASE IF EXISTS lomarin_exec_copy");
+    test::sideExec("CREATE DATABASE lomarin_exec_copy");
     std::string err;
-    EXPECT_EQ(exec("lomarin_demo_copy", dump.string(), optimize, &err), 0);
+    EXPECT_EQ(exec("lomarin_exec_copy", dump.string(), optimize, &err), 0);
     EXPECT_EQ(err, "");
-    EXPECT_EQ(checksums(*session, "lomarin_demo_copy"), original) << optimize;
-    EXPECT_EQ(test::scalar(*session, routines + "'lomarin_demo_copy'"), test::scalar(*session, routines + "'lomarin_demo'"));
+    EXPECT_EQ(checksums(*session, "lomarin_exec_copy"), original) << optimize;
+    EXPECT_EQ(test::scalar(*session, routines + "'lomarin_exec_copy'"), test::scalar(*session, routines + "'lomarin_demo'"));
   }
-  test::sideExec("DROP DATABASE lomarin_demo_copy");
+  test::sideExec("DROP DATABASE lomarin_exec_copy");
   std::filesystem::remove(dump);
 }
 
