@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "dump_fixture.h"
 
 namespace lomarin {
@@ -251,6 +254,10 @@ TEST(DumpScript, BackupQueryWritesTheSelectedRows) {
                                DumpFixture::closing(true));
   EXPECT_EQ(progressCalls, 2);
   f.dump.OnBackupProgress = {};
+  const std::string file = ::testing::TempDir() + "lomarin-backup-query.sql";
+  f.dump.SaveToFile(file);
+  std::ifstream in(file, std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), f.dump.Text());
   f.dump.BackupQuery("SELECT * FROM items WHERE id > 9");
   EXPECT_EQ(f.dump.Text(), DumpFixture::opening(true) + DumpFixture::closing(true));
 }
