@@ -13,6 +13,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 #include <fstream>
 #include <sstream>
@@ -198,6 +199,20 @@ class FormExportDbTest : public QObject {
     QVERIFY(form->isVisible());
     QCOMPARE(directory->text(), dir_->filePath("missing/"));
     QVERIFY(child<QPushButton>(form.get(), "btnOk")->isEnabled());
+  }
+
+  void stopEndsTheRunAndWritesNoFile() {
+    auto form = open();
+    QVERIFY(QDir(dir_->path()).mkpath("stopped"));
+    child<QLineEdit>(form.get(), "edtDirectory")->setText(dir_->filePath("stopped/"));
+    auto* stop = child<QPushButton>(form.get(), "btnStop");
+    // Clicked as soon as the run lets events through, like a user would.
+    QTimer::singleShot(0, stop, [stop] { stop->click(); });
+    child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(errors_, QStringList{"Export stopped"});
+    QVERIFY(QDir(dir_->filePath("stopped")).isEmpty());
+    QVERIFY(form->isVisible());
+    QVERIFY(!stop->isEnabled());
   }
 
   void cleanupTestCase() { test::sideExec("DROP DATABASE IF EXISTS ui_export"); }
