@@ -53,8 +53,8 @@ TEST(ExecCommand, ReportsEachFailureAndRunsTheRest) {
     std::string err;
     EXPECT_EQ(exec("lomarin_test", file.string(), optimize, &err), 1);
     EXPECT_EQ(err,
-              "insert into e1 values (1),(1)\nERROR 1062 (23000): Duplicate entry '1' for key 'PRIMARY'\n"
-              "insert into nowhere values (3)\nERROR 1146 (42S02): Table 'lomarin_test.nowhere' doesn't exist\n");
+              "insert into e1 values (1),(1)\nERROR 1062 (23000) at line 3: Duplicate entry '1' for key 'PRIMARY'\n"
+              "insert into nowhere values (3)\nERROR 1146 (42S02) at line 5: Table 'lomarin_test.nowhere' doesn't exist\n");
     auto session = test::connect();
     EXPECT_EQ(test::scalar(*session, "select group_concat(a) from e1"), "2");
   }
@@ -70,7 +70,7 @@ TEST(ExecCommand, ClientCommandsGoToTheServerAsText) {
                                                                marker.string() + ";\nselect 1;\n");
   std::string err;
   EXPECT_EQ(exec("lomarin_test", file.string(), false, &err), 1);
-  EXPECT_NE(err.find("\\! touch " + marker.string() + "\r\nsystem touch " + marker.string() + "\nERROR 1064 (42000)"),
+  EXPECT_NE(err.find("\\! touch " + marker.string() + "\r\nsystem touch " + marker.string() + "\nERROR 1064 (42000) at line 1"),
             std::string::npos)
       << err;
   EXPECT_FALSE(std::filesystem::exists(marker));

@@ -47,12 +47,14 @@ class ProgressLine {
   std::chrono::steady_clock::time_point last_{};
 };
 
-void printFailure(std::FILE* err, const ServerError& error, const std::string& statement) {
+// The statement, then the error in the batch client's words, with the line it starts at.
+void printFailure(std::FILE* err, const ServerError& error, const std::string& statement, uint64_t line) {
   if (statement.size() > kShownStatement)
     std::fprintf(err, "%.*s ...\n", static_cast<int>(kShownStatement), statement.c_str());
   else
     std::fprintf(err, "%s\n", statement.c_str());
-  std::fprintf(err, "ERROR %u (%s): %s\n", error.number(), error.sqlstate().c_str(), error.what());
+  std::fprintf(err, "ERROR %u (%s) at line %llu: %s\n", error.number(), error.sqlstate().c_str(),
+               static_cast<unsigned long long>(line), error.what());
 }
 
 }  // namespace
@@ -95,7 +97,7 @@ int runExec(const ParsedArgs& args, std::FILE* err) {
     script.UseOptimization = optimize;
     script.OnError = [&](const ServerError& error, const std::string& statement, TErrorAction& action) {
       progress.clear();
-      printFailure(err, error, statement);
+      printFailure(err, error, statement, script.StatementLine());
       ++failures;
       action = TErrorAction::eaContinue;
     };

@@ -73,10 +73,11 @@ class TMyScript::Runner {
         if (batchBytes_ + statement.size() > kBatchBytes) flushBatch();
         batchBytes_ += statement.size() + 2;
         batch_.push_back(std::move(statement));
+        batchLines_.push_back(splitter_.statementLine());
         statement.clear();
       } else {
         flushBatch();
-        if (!script_.stopped_) runSingle(statement);
+        if (!script_.stopped_) runSingle(statement, splitter_.statementLine());
       }
       progress();
     }
@@ -89,7 +90,7 @@ class TMyScript::Runner {
     if (script_.OnProgress) script_.OnProgress(splitter_.position(), total_);
   }
 
-  void runSingle(const std::string& statement) {
+  void runSingle(const std::string& statement, uint64_t line) {
     if (!script_.beginStatement()) return;
     try {
       TMyQuery query(script_.session_);
@@ -97,7 +98,7 @@ class TMyScript::Runner {
       query.Execute();
     } catch (const ServerError& error) {
       script_.endStatement();
-      report(statement, error);
+      report(statement, line, error);
       return;
     }
     script_.endStatement();
@@ -109,7 +110,7 @@ class TMyScript::Runner {
     size_t first = 0;
     while (first < batch_.size() && !script_.stopped_) {
       if (batch_.size() - first == 1) {
-        runSingle(batch_[first]);
+        runSingle(batch_[first], batchLines_[first]);
         break;
       }
       if (!script_.beginStatement()) break;
@@ -128,16 +129,18 @@ class TMyScript::Runner {
         script_.endStatement();
         if (first + done >= batch_.size()) done = batch_.size() - first - 1;
         const std::string& failed = batch_[first + done];
+        const uint64_t line = batchLines_[first + done];
         // A syntax error quotes the text after the error point, which in a batch runs into the
         // next statements; the statement alone has no effect and gives its own message.
         if (isSyntaxError(error) && !script_.stopped_)
-          runSingle(failed);
+          runSingle(failed, line);
         else
-          report(failed, error);
+          report(failed, line, error);
         first += done + 1;
       }
     }
     batch_.clear();
+    batchLines_.clear();
     batchBytes_ = 0;
   }
 
@@ -151,12 +154,13 @@ class TMyScript::Runner {
     return request;
   }
 
-  void report(const std::string& statement, const ServerError& error) {
+  void report(const std::string& statement, uint64_t line, const ServerError& error) {
     if (script_.stopRequested()) {
       script_.stopped_ = true;
       if (error.number() == kQueryInterrupted) return;
     }
     TErrorAction action = TErrorAction::eaFail;
+    script_.statementLine_ = line;
     if (script_.OnError) script_.OnError(error, statement, action);
     if (action == TErrorAction::eaFail) throw error;
   }
@@ -165,6 +169,7 @@ class TMyScript::Runner {
   TStatementSplitter splitter_;
   uint64_t total_;
   std::vector<std::string> batch_;
+  std::vector<uint64_t> batchLines_;
   size_t batchBytes_ = 0;
 };
 

@@ -45,6 +45,8 @@ class TMyScript {
   void BreakExec();
   // The last run ended because of BreakExec.
   bool Stopped() const { return stopped_; }
+  // Line of the script (from 1) where the statement last given to OnError begins.
+  uint64_t StatementLine() const { return statementLine_; }
 
  private:
   class Runner;
@@ -60,6 +62,7 @@ class TMyScript {
   TMySessionSettings killSettings_;
   unsigned long threadId_ = 0;
   bool stopped_ = false;
+  uint64_t statementLine_ = 0;
 };
 
 }  // namespace lomarin

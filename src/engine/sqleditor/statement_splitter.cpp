@@ -55,6 +55,7 @@ void TStatementSplitter::lineBreak() {
   if (!stmt_.empty() && stmt_.back() == '\r') stmt_.pop_back();
   stmt_ += "\r\n";
   seg_ = ++pos_;
+  ++linesDone_;
 }
 
 bool TStatementSplitter::next(std::string& statement) {
@@ -95,6 +96,7 @@ bool TStatementSplitter::scanLeadingBlanks() {
     const char c = buf_[pos_];
     const bool nothingYet = stmt_.empty() && seg_ == pos_;
     if (isBlank(c) || (c == '\n' && nothingYet)) {
+      if (c == '\n') ++linesDone_;
       ++pos_;
       if (nothingYet) seg_ = pos_;
       continue;
@@ -126,6 +128,7 @@ bool TStatementSplitter::scanLeadingBlanks() {
     }
     if ((c == 'd' || c == 'D') && handleDelimiterCommand()) continue;
     hasCode_ = true;
+    statementLine_ = linesDone_ + 1;
     return true;
   }
   return false;
@@ -156,6 +159,7 @@ bool TStatementSplitter::handleDelimiterCommand() {
   while (q < lineEnd && !isBlank(buf_[q])) ++q;
   if (q == p) return false;
   setDelimiter(std::string(buf_.data() + p, q - p));
+  if (lineEnd < end_) ++linesDone_;
   pos_ = lineEnd < end_ ? lineEnd + 1 : lineEnd;
   seg_ = pos_;
   stmt_.clear();

@@ -28,6 +28,8 @@ class TStatementSplitter {
   const std::string& delimiter() const { return delimiter_; }
   // Bytes of the input consumed up to the end of the last statement returned.
   uint64_t position() const { return consumedBefore_ + pos_; }
+  // Line (from 1) where the code of the last statement returned begins.
+  uint64_t statementLine() const { return statementLine_; }
 
  private:
   enum class State { Normal, SingleQuote, DoubleQuote, BackQuote, LineComment, BlockComment };
@@ -55,6 +57,8 @@ class TStatementSplitter {
   uint64_t consumedBefore_ = 0;
   bool eof_ = false;
   bool atStart_ = true;
+  uint64_t linesDone_ = 0;
+  uint64_t statementLine_ = 0;
 
   std::string delimiter_;
   detail::ByteSet<8> normalStops_;

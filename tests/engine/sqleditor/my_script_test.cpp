@@ -35,7 +35,10 @@ std::string runThree(bool optimize, std::vector<std::string>* sent = nullptr) {
   TMyScript script(*session);
   script.SQL = kThreeStatements;
   script.UseOptimization = optimize;
-  script.OnError = CollectScriptErrors(errors);
+  script.OnError = [&](const ServerError& error, const std::string& statement, TErrorAction& action) {
+    EXPECT_EQ(script.StatementLine(), 2u);
+    ScriptError(errors, error, statement, action);
+  };
   script.Execute();
   if (sent) *sent = log.sent;
   EXPECT_EQ(test::scalar(*session, "select group_concat(a order by a) from t3"), "2");

@@ -81,6 +81,14 @@ TEST(StatementSplitter, StartsWithTheGivenDelimiterAndReportsPosition) {
   EXPECT_FALSE(splitter.next(s));
 }
 
+TEST(StatementSplitter, LinesWhereStatementsBegin) {
+  std::istringstream in("select 1;\n\n-- note\nselect\n'a\nb';\r\nDELIMITER $$\r\n/* c\n */ select 3$$ select 4$$");
+  TStatementSplitter splitter(in, ";", 1);
+  std::vector<uint64_t> lines;
+  for (std::string s; splitter.next(s);) lines.push_back(splitter.statementLine());
+  EXPECT_EQ(lines, (std::vector<uint64_t>{1, 4, 9, 9}));
+}
+
 TEST(StatementSplitter, StreamsLargeStatementsAcrossChunks) {
   std::string big = "insert into t values ";
   for (int i = 0; i < 20000; ++i) big += (i ? ",(" : "(") + std::to_string(i) + ",'a;b''c\\'d')";
