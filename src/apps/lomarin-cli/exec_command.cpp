@@ -78,12 +78,14 @@ int runExec(const ParsedArgs& args, std::FILE* err) {
   uint64_t total = 0;
   if (path != "-") {
     file.open(path, std::ios::binary);
-    std::error_code ec;
-    total = std::filesystem::file_size(path, ec);
-    if (!file || ec) {
+    if (!file) {
       std::fprintf(err, "lomarin-cli exec: cannot read %s\n", path.c_str());
       return 2;
     }
+    // A pipe has no size; its progress shows bytes only.
+    std::error_code ec;
+    total = std::filesystem::file_size(path, ec);
+    if (ec) total = 0;
     in = &file;
   }
 
