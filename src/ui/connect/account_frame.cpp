@@ -17,16 +17,17 @@ void fill(QComboBox* box, const std::array<std::string_view, N>& items) {
 QString q(const std::string& text) { return QString::fromStdString(text); }
 std::string s(const QString& text) { return text.toStdString(); }
 
-// Picks the entry when the list has it; an editable box takes any text.
-void choose(QComboBox* box, const std::string& text) {
-  const int index = box->findText(q(text));
+void choose(QComboBox* box, const std::string& text) { chooseText(box, q(text)); }
+
+}  // namespace
+
+void chooseText(QComboBox* box, const QString& text) {
+  const int index = box->findText(text);
   if (index >= 0)
     box->setCurrentIndex(index);
   else if (box->isEditable())
-    box->setEditText(q(text));
+    box->setEditText(text);
 }
-
-}  // namespace
 
 TframeAccount::TframeAccount(QWidget* parent) : QWidget(parent), ui_(std::make_unique<Ui::TframeAccount>()) {
   ui_->setupUi(this);

@@ -5,6 +5,7 @@
 
 #include "engine/connect/accounts.h"
 
+class QComboBox;
 class QLineEdit;
 
 namespace Ui {
@@ -12,6 +13,9 @@ class TframeAccount;
 }
 
 namespace lomarin::ui {
+
+// Picks the entry when the list has it; an editable box takes any text.
+void chooseText(QComboBox* box, const QString& text);
 
 // The pages of an account's fields (connection, SSH tunnel, PHP tunnel, SSL, advanced), shared
 // by the connect dialog and the account editor.

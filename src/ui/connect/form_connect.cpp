@@ -27,14 +27,6 @@ QIcon accountIcon(bool usesSsh) {
   return QApplication::style()->standardIcon(usesSsh ? QStyle::SP_DriveNetIcon : QStyle::SP_ComputerIcon);
 }
 
-void setComboText(QComboBox* box, const QString& text) {
-  const int index = box->findText(text);
-  if (index >= 0)
-    box->setCurrentIndex(index);
-  else if (box->isEditable())
-    box->setEditText(text);
-}
-
 }  // namespace
 
 TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, QWidget* parent)
@@ -52,8 +44,8 @@ TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, QWid
   connect(ui_->lvAccounts, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
   connect(ui_->lvAccounts, &QTreeWidget::currentItemChanged, this,
           [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
-  // A double-click or Enter on an account connects with it.
-  connect(ui_->lvAccounts, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) {
+  // A double-click on an account connects with it; Enter in the list reaches the default button.
+  connect(ui_->lvAccounts, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
     lvAccountsClick(item);
     btnOkClick();
   });
@@ -76,15 +68,15 @@ void TformConnect::readDefaults() {
     bool ok = false;
     const int port = memory->port.toInt(&ok);
     if (ok) f.spnPort->setValue(port);
-    setComboText(f.cboClientCharset, memory->clientCharset);
-    setComboText(f.cboFontCharset, memory->fontCharset);
-    setComboText(f.cboDatabase, memory->database);
-    setComboText(f.cboServer, memory->host);
+    chooseText(f.cboClientCharset, memory->clientCharset);
+    chooseText(f.cboFontCharset, memory->fontCharset);
+    chooseText(f.cboDatabase, memory->database);
+    chooseText(f.cboServer, memory->host);
     f.edtLogin->setText(memory->login);
     f.edtPHPUrl->setText(memory->phpUrl);
   }
   if (settings_.read(opt::SavePassWord)) f.edtPassword->setText(q(settings_.read(opt::DefaultPassword)));
-  if (settings_.read(opt::DefaultHostOption)) setComboText(f.cboServer, q(settings_.read(opt::DefaultDatabaseHost)));
+  if (settings_.read(opt::DefaultHostOption)) chooseText(f.cboServer, q(settings_.read(opt::DefaultDatabaseHost)));
   bool ok = false;
   const int port = q(settings_.read(opt::DefaultDatabasePort, std::to_string(f.spnPort->value()))).toInt(&ok);
   if (ok) f.spnPort->setValue(port);

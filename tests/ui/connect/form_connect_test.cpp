@@ -190,12 +190,18 @@ class FormConnectTest : public QObject {
     ui::TformConnect form(*settings_, session_);
     QString filterSeen;
     connect(&form, &ui::TformConnect::aboutToConnect, this, [&](const QString& f) { filterSeen = f; });
+    int connects = 0;
+    session_.Events.AfterConnect = [&] { ++connects; };
     form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
     auto* list = child<QTreeWidget>(&form, "lvAccounts");
+    list->setFocus();
     list->setCurrentItem(list->topLevelItem(0));
-    child<QPushButton>(&form, "btnOk")->click();
+    QTest::keyClick(list, Qt::Key_Return);
+    session_.Events.AfterConnect = nullptr;
 
     QVERIFY(session_.Connected());
+    QCOMPARE(connects, 1);
     QCOMPARE(form.result(), int(QDialog::Accepted));
     const auto server = test::serverSettings();
     QCOMPARE(test::scalar(session_, "SELECT CURRENT_USER()").substr(0, server.Username.size() + 1),
@@ -231,8 +237,6 @@ class FormConnectTest : public QObject {
     ui::TformConnect form(*settings_, session_);
     form.show();
     auto* list = child<QTreeWidget>(&form, "lvAccounts");
-    list->setCurrentItem(list->topLevelItem(0));
-    QVERIFY(child<QCheckBox>(&form, "chkSSL")->isChecked());
     QString refused;
     QTimer::singleShot(5000, &form, [&] {
       if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
@@ -240,7 +244,12 @@ class FormConnectTest : public QObject {
         box->button(QMessageBox::Ok)->click();
       }
     });
-    child<QPushButton>(&form, "btnOk")->click();
+    // A double-click chooses the account and connects with it.
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    const QRect row = list->visualItemRect(list->topLevelItem(0));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, row.center());
+    QVERIFY(child<QCheckBox>(&form, "chkSSL")->isChecked());
     QVERIFY2(refused.isEmpty(), qPrintable(refused));
     QVERIFY(session_.Connected());
     const std::string cipher = test::scalar(
