@@ -1,0 +1,365 @@
+#include "ui/dataview/frame_data.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTableView>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "engine/app/settings_store.h"
+#include "engine/connect/my_query.h"
+#include "engine/dataview/field_kinds.h"
+#include "ui/dataview/data_card.h"
+#include "ui/dataview/data_delegate.h"
+#include "ui/dataview/data_model.h"
+#include "ui/dataview/form_limit_settings.h"
+
+namespace lomarin::ui {
+
+namespace {
+
+QToolButton* pagingButton(QWidget* parent, const char* name, QStyle::StandardPixmap icon) {
+  auto* button = new QToolButton(parent);
+  button->setObjectName(name);
+  button->setIcon(parent->style()->standardIcon(icon));
+  button->setAutoRaise(true);
+  return button;
+}
+
+QString qs(const std::string& text) { return QString::fromStdString(text); }
+
+// Keeps the wait cursor up while the server works.
+struct WaitCursor {
+  WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+};
+
+}  // namespace
+
+TframeData::TframeData(TMyConnection& session, SettingsStore& settings, QWidget* parent)
+    : QWidget(parent), session_(session), settings_(settings), model_(new TDataModel(session, this)) {
+  setObjectName("TframeData");
+  ErrorDisplay = [this](const QString& message) { QMessageBox::critical(this, tr("Error"), message); };
+  model_->onPostError = [this](const QString& message, bool serverError) { reportError(message, serverError); };
+  buildUi();
+  buildActions();
+  applyOptions();
+  connect(model_, &QAbstractItemModel::modelReset, this, &TframeData::updateRecordIndicator);
+  connect(model_, &QAbstractItemModel::rowsInserted, this, &TframeData::updateRecordIndicator);
+  connect(model_, &QAbstractItemModel::rowsRemoved, this, &TframeData::updateRecordIndicator);
+}
+
+TframeData::~TframeData() = default;
+
+void TframeData::buildUi() {
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2);
+
+  cxgrbolimit_ = new QFrame(this);
+  cxgrbolimit_->setObjectName("cxgrbolimit");
+  cxgrbolimit_->setFrameShape(QFrame::StyledPanel);
+  auto* bar = new QHBoxLayout(cxgrbolimit_);
+  bar->setContentsMargins(4, 2, 4, 2);
+  spleftall_ = pagingButton(cxgrbolimit_, "spleftall", QStyle::SP_MediaSkipBackward);
+  spleft_ = pagingButton(cxgrbolimit_, "spleft", QStyle::SP_MediaSeekBackward);
+  cxspnLimit_ = new QLineEdit(cxgrbolimit_);
+  cxspnLimit_->setObjectName("cxspnLimit");
+  cxspnLimit_->setFixedWidth(70);
+  cxspnLimit_->setAlignment(Qt::AlignRight);
+  cxspnLimit_->setReadOnly(true);
+  spLimitSettings_ = pagingButton(cxgrbolimit_, "spLimitSettings", QStyle::SP_FileDialogDetailedView);
+  spLimitSettings_->setToolTip(tr("Limit settings"));
+  spright_ = pagingButton(cxgrbolimit_, "spright", QStyle::SP_MediaSeekForward);
+  sprightall_ = pagingButton(cxgrbolimit_, "sprightall", QStyle::SP_MediaSkipForward);
+  cxchkActive_ = new QCheckBox(tr("Active"), cxgrbolimit_);
+  cxchkActive_->setObjectName("cxchkActive");
+  for (QWidget* w : std::initializer_list<QWidget*>{spleftall_, spleft_, cxspnLimit_, spLimitSettings_, spright_,
+                                                    sprightall_, cxchkActive_})
+    bar->addWidget(w);
+  bar->addSpacing(12);
+  bar->addWidget(new QLabel(tr("Filter:"), cxgrbolimit_));
+  edtFilter_ = new QLineEdit(this);
+  edtFilter_->setObjectName("edtFilter");
+  edtFilter_->setPlaceholderText(tr("condition, e.g. price > 10 (Enter applies)"));
+  edtFilter_->setClearButtonEnabled(true);
+  bar->addWidget(edtFilter_, 1);
+  cxgrbolimit_->setVisible(false);
+  layout->addWidget(cxgrbolimit_);
+
+  pages_ = new QTabWidget(this);
+  pages_->setObjectName("pgcData");
+  pages_->setTabPosition(QTabWidget::South);
+  grid_ = new QTableView(pages_);
+  grid_->setObjectName("cxdbgrData");
+  grid_->setModel(model_);
+  grid_->setItemDelegate(new TDataDelegate(model_, grid_));
+  grid_->setSelectionBehavior(QAbstractItemView::SelectItems);
+  grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
+  grid_->verticalHeader()->setDefaultSectionSize(grid_->fontMetrics().height() + 6);
+  grid_->horizontalHeader()->setSectionsClickable(false);
+  pages_->addTab(grid_, tr("&Data"));
+  card_ = new TDataCard(model_, pages_);
+  pages_->addTab(card_, tr("&Form"));
+  layout->addWidget(pages_, 1);
+
+  auto* status = new QStatusBar(this);
+  status->setObjectName("StatusBar");
+  status->setSizeGripEnabled(false);
+  statusText_ = new QLabel(status);
+  statusText_->setObjectName("lblStatusText");
+  recordText_ = new QLabel(tr("Record ???"), status);
+  recordText_->setObjectName("lblRecord");
+  status->addWidget(statusText_, 1);
+  status->addPermanentWidget(recordText_);
+  layout->addWidget(status);
+
+  connect(spleftall_, &QToolButton::clicked, this, [this] { pagingStep(&dataview::TLimitPaging::First); });
+  connect(spleft_, &QToolButton::clicked, this, [this] { pagingStep(&dataview::TLimitPaging::Prior); });
+  connect(spright_, &QToolButton::clicked, this, [this] { pagingStep(&dataview::TLimitPaging::Next); });
+  connect(sprightall_, &QToolButton::clicked, this, [this] { pagingStep(&dataview::TLimitPaging::Last); });
+  connect(spLimitSettings_, &QToolButton::clicked, this, &TframeData::onLimitSettings);
+  connect(cxchkActive_, &QCheckBox::toggled, this, &TframeData::onActiveToggled);
+  connect(grid_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+          [this](const QModelIndex& current, const QModelIndex& previous) {
+            if (previous.isValid() && previous.row() != current.row()) model_->postRow(previous.row());
+            card_->showRow(current.row());
+            updateRecordIndicator();
+          });
+  setPagingEnabled(false);
+}
+
+void TframeData::applyOptions() {
+  BestFit = settings_.read(opt::ColumnsBestFit);
+  fetchAll_ = settings_.read(opt::FetchAllRecords);
+  if (settings_.read(opt::RowAutoHeight) && !BestFit)
+    grid_->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  // Typing searches the current column instead of starting an edit.
+  if (settings_.read(opt::AutoSearch))
+    grid_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+}
+
+void TframeData::reportError(const QString& message, bool serverError) {
+  statusText_->setText(message);
+  // The session's OnError handler has shown server errors already.
+  if (serverError && session_.Events.OnError) return;
+  if (ErrorDisplay) ErrorDisplay(message);
+}
+
+bool TframeData::reopen(const std::string& sql) {
+  WaitCursor wait;
+  const std::string previous = sql_;
+  try {
+    model_->open(sql, fetchAll_ || SshTunnel);
+    sql_ = sql;
+  } catch (const ServerError& error) {
+    reportError(qs(error.message()), true);
+    // Show the last good result again so the grid keeps its state.
+    if (!previous.empty() && previous != sql) {
+      try {
+        model_->open(previous, fetchAll_ || SshTunnel);
+      } catch (const ServerError&) {
+      }
+    }
+    return false;
+  }
+  statusText_->setText(model_->writerReady() && !model_->writer().Editable()
+                           ? qs(model_->writer().ReadOnlyReason())
+                           : QString());
+  if (BestFit) FitColumns();
+  defaultWidths_.clear();
+  for (int i = 0; i < model_->columnCount(); ++i) defaultWidths_.push_back(grid_->columnWidth(i));
+  card_->rebuild();
+  if (model_->rowCount() > 0) grid_->setCurrentIndex(model_->index(0, 0));
+  updateRecordIndicator();
+  emit opened();
+  return true;
+}
+
+bool TframeData::OpenSQL(const std::string& sql) {
+  cxgrbolimit_->setVisible(false);
+  IsTable = false;
+  return reopen(sql);
+}
+
+bool TframeData::Refresh() { return reopen(sql_); }
+
+bool TframeData::LimitActive() const { return cxgrbolimit_->isVisible() && cxchkActive_->isChecked(); }
+
+void TframeData::EnableLimit() {
+  {
+    const QSignalBlocker block(cxchkActive_);
+    cxchkActive_->setChecked(settings_.read(opt::UseLimit) || SshTunnel);
+  }
+  cxspnLimit_->setText(qs(settings_.read(opt::LimitSize)));
+  cxgrbolimit_->setVisible(true);
+}
+
+bool TframeData::ExecSQL() {
+  std::string sql = BaseSQL;
+  if (LimitActive()) {
+    LimitClause = "LIMIT 0," + cxspnLimit_->text().toStdString();
+    sql += "\n" + LimitClause;
+  }
+  return reopen(sql);
+}
+
+bool TframeData::ExecViewSQL() { return ExecSQL(); }
+
+void TframeData::setPagingEnabled(bool enabled) {
+  for (QWidget* w : std::initializer_list<QWidget*>{spleftall_, spleft_, spright_, sprightall_, spLimitSettings_})
+    w->setEnabled(enabled);
+}
+
+void TframeData::refreshLimitBar() {
+  spleftall_->setEnabled(paging_.FirstEnabled());
+  spleft_->setEnabled(paging_.PriorEnabled());
+  spright_->setEnabled(paging_.NextEnabled());
+  sprightall_->setEnabled(paging_.LastEnabled());
+  spleftall_->setToolTip(qs(paging_.FirstHint()));
+  spleft_->setToolTip(qs(paging_.PriorHint()));
+  spright_->setToolTip(qs(paging_.NextHint()));
+  sprightall_->setToolTip(qs(paging_.LastHint()));
+  spLimitSettings_->setEnabled(true);
+}
+
+void TframeData::InitLimit() {
+  if (!cxchkActive_->isChecked()) {
+    setPagingEnabled(false);
+    spLimitSettings_->setEnabled(false);
+    return;
+  }
+  try {
+    const int64_t size = dataview::ParsePageSize(cxspnLimit_->text().toStdString());
+    TMyQuery count(session_);
+    count.SQL = dataview::RowCountSQL(TableName);
+    count.Open();
+    count.Next();
+    const int64_t total = std::stoll(std::string(count.Value(0)));
+    count.Close();
+    paging_.Start(size, total);
+  } catch (const ServerError& error) {
+    reportError(qs(error.message()), true);
+    setPagingEnabled(false);
+    return;
+  } catch (const std::invalid_argument& error) {
+    reportError(QString::fromUtf8(error.what()), false);
+    setPagingEnabled(false);
+    return;
+  }
+  refreshLimitBar();
+}
+
+bool TframeData::applyLimitClause(const std::string& clause) {
+  setPagingEnabled(false);
+  const bool ok = reopen(dataview::ReplaceLimitLine(sql_, clause));
+  if (ok) LimitClause = clause;
+  return ok;
+}
+
+void TframeData::pagingStep(std::string (dataview::TLimitPaging::*step)()) {
+  const dataview::TLimitPaging before = paging_;
+  const std::string clause = (paging_.*step)();
+  if (!applyLimitClause(clause)) paging_ = before;
+  refreshLimitBar();
+}
+
+void TframeData::restartPaging() {
+  InitLimit();
+  if (!spLimitSettings_->isEnabled()) return;
+  applyLimitClause("LIMIT 0," + cxspnLimit_->text().toStdString());
+  refreshLimitBar();
+}
+
+void TframeData::onActiveToggled(bool active) {
+  if (active) {
+    restartPaging();
+    return;
+  }
+  setPagingEnabled(false);
+  applyLimitClause("");
+  spLimitSettings_->setEnabled(false);
+}
+
+void TframeData::onLimitSettings() {
+  TformLimitSetings dialog(settings_, this);
+  if (dialog.exec() != QDialog::Accepted) return;
+  cxspnLimit_->setText(QString::number(dialog.limitValue()));
+  restartPaging();
+}
+
+void TframeData::GetDefaultColumns(const QString& keyColumn) {
+  model_->setKeyColumn(keyColumn);
+  if (BestFit) FitColumns();
+}
+
+void TframeData::EnableCxGridSort() {
+  QHeaderView* header = grid_->horizontalHeader();
+  header->setSectionsClickable(true);
+  connect(header, &QHeaderView::sectionClicked, this, &TframeData::SortByColumn, Qt::UniqueConnection);
+}
+
+void TframeData::EnableFilter() {
+  connect(edtFilter_, &QLineEdit::returnPressed, this, [this] { ApplyFilter(edtFilter_->text()); },
+          Qt::UniqueConnection);
+}
+
+bool TframeData::ApplyFilter(const QString& condition) {
+  const std::string line = dataview::WhereLineFor(condition.toStdString());
+  const bool ok = reopen(dataview::ApplyWhereLine(sql_, line, LimitActive(), LimitClause));
+  if (ok) WhereLine = line;
+  return ok;
+}
+
+bool TframeData::SortByColumn(int column) {
+  const auto& fields = model_->fields();
+  if (column < 0 || column >= static_cast<int>(fields.size()) || dataview::IsBlobOrMemoField(fields[column]))
+    return false;
+  const std::string& name = fields[static_cast<size_t>(column)].Name;
+  const bool descending = sortColumns_.size() == 1 && sortColumns_[0].name == name && !sortColumns_[0].descending;
+  const std::vector<dataview::SortColumn> sort{{name, descending}};
+  if (!reopen(dataview::PlaceOrderBy(sql_, dataview::OrderByLine(sort)))) return false;
+  sortColumns_ = sort;
+  grid_->horizontalHeader()->setSortIndicatorShown(true);
+  grid_->horizontalHeader()->setSortIndicator(column, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+  return true;
+}
+
+QString TframeData::recordText() const { return recordText_->text(); }
+QString TframeData::statusText() const { return statusText_->text(); }
+
+void TframeData::updateRecordIndicator() {
+  const int count = model_->rowCount();
+  const QModelIndex current = grid_->currentIndex();
+  if (count == 0 || !current.isValid()) {
+    recordText_->setText(tr("Record ???"));
+    return;
+  }
+  recordText_->setText(QString("Record  %1 / %2").arg(current.row() + 1).arg(count));
+}
+
+void TframeData::FitColumns() {
+  const auto& fields = model_->fields();
+  for (int i = 0; i < static_cast<int>(fields.size()); ++i)
+    if (!dataview::IsBlobOrMemoField(fields[static_cast<size_t>(i)])) grid_->resizeColumnToContents(i);
+}
+
+void TframeData::RestoreColumns() {
+  QHeaderView* header = grid_->horizontalHeader();
+  for (int i = 0; i < static_cast<int>(defaultWidths_.size()); ++i) {
+    header->moveSection(header->visualIndex(i), i);
+    header->showSection(i);
+    grid_->setColumnWidth(i, defaultWidths_[static_cast<size_t>(i)]);
+  }
+}
+
+}  // namespace lomarin::ui

@@ -1,0 +1,202 @@
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTableView>
+#include <QToolButton>
+#include <algorithm>
+#include <numeric>
+
+#include "engine/app/data_folder.h"
+#include "engine/connect/my_query.h"
+#include "ui/dataview/data_model.h"
+#include "ui/dataview/frame_data.h"
+
+namespace lomarin::ui {
+
+namespace {
+
+QString cellText(TDataModel* model, int row, int column) {
+  return model->data(model->index(row, column), Qt::EditRole).toString();
+}
+
+// Tab-separated lines, the clipboard form spreadsheets read.
+QString rowsText(TDataModel* model, const std::vector<int>& rows) {
+  QStringList lines;
+  for (int row : rows) {
+    QStringList cells;
+    for (int c = 0; c < model->columnCount(); ++c) cells << cellText(model, row, c);
+    lines << cells.join('\t');
+  }
+  return lines.join('\n');
+}
+
+}  // namespace
+
+void TframeData::buildActions() {
+  struct Command {
+    const char* name;
+    const char* text;
+    const char* shortcut;
+    void (TframeData::*run)();
+  };
+  static const Command commands[] = {
+      {"actCopyCell", "Copy cell", "Ctrl+C", &TframeData::CopyCell},
+      {"actCopyRows", "Copy selected rows", "", &TframeData::CopySelectedRows},
+      {"actCopyGrid", "Copy whole grid", "", &TframeData::CopyGrid},
+      {"actPaste", "Paste", "Ctrl+V", &TframeData::PasteCells},
+      {"actClearCell", "Clear cell (NULL)", "Ctrl+Del", &TframeData::ClearCell},
+      {"actInsertRecord", "Insert record", "Ins", &TframeData::InsertRecord},
+      {"actDeleteRecords", "Delete records", "Ctrl+Shift+Del", &TframeData::DeleteRecords},
+      {"actPost", "Post record", "Ctrl+Return", &TframeData::PostRecord},
+      {"actRefresh", "Refresh", "F5", nullptr},
+      {"actLoadAll", "Load all records", "", &TframeData::LoadAllRecords},
+      {"actRecordCount", "Record count", "", &TframeData::ShowRecordCount},
+      {"actBestFit", "Best fit", "", &TframeData::FitColumns},
+      {"actRestoreColumns", "Restore columns", "", &TframeData::RestoreColumns},
+  };
+  for (const Command& command : commands) {
+    auto* action = new QAction(tr(command.text), this);
+    action->setObjectName(command.name);
+    if (*command.shortcut) action->setShortcut(QKeySequence(QString::fromLatin1(command.shortcut)));
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    if (command.run)
+      connect(action, &QAction::triggered, this, command.run);
+    else
+      connect(action, &QAction::triggered, this, &TframeData::Refresh);
+    grid_->addAction(action);
+  }
+  auto* exportMenu = new QMenu(tr("Export"), this);
+  const std::pair<const char*, dataview::TExportFormat> formats[] = {
+      {"Text", dataview::TExportFormat::Text}, {"CSV", dataview::TExportFormat::Csv},
+      {"HTML", dataview::TExportFormat::Html}, {"XML", dataview::TExportFormat::Xml},
+      {"JSON", dataview::TExportFormat::Json}, {"Excel (.xlsx)", dataview::TExportFormat::Xlsx}};
+  for (const auto& [text, format] : formats) {
+    QAction* action = exportMenu->addAction(tr(text));
+    action->setObjectName(QString("actExport") + QString(text).section(' ', 0, 0));
+    connect(action, &QAction::triggered, this, [this, f = format] { exportWithDialog(f); });
+  }
+  QAction* exportAction = exportMenu->menuAction();
+  exportAction->setObjectName("actExport");
+  grid_->addAction(exportAction);
+}
+
+QAction* TframeData::action(const QString& objectName) const { return findChild<QAction*>(objectName); }
+
+std::vector<int> TframeData::selectedRows() const {
+  std::vector<int> rows;
+  for (const QModelIndex& index : grid_->selectionModel()->selectedIndexes())
+    if (std::find(rows.begin(), rows.end(), index.row()) == rows.end()) rows.push_back(index.row());
+  if (rows.empty() && grid_->currentIndex().isValid()) rows.push_back(grid_->currentIndex().row());
+  std::sort(rows.begin(), rows.end());
+  return rows;
+}
+
+void TframeData::CopyCell() {
+  const QModelIndex current = grid_->currentIndex();
+  if (current.isValid()) QApplication::clipboard()->setText(cellText(model_, current.row(), current.column()));
+}
+
+void TframeData::CopySelectedRows() { QApplication::clipboard()->setText(rowsText(model_, selectedRows())); }
+
+bool TframeData::confirmLoadAll() {
+  if (model_->allFetched()) return true;
+  return QMessageBox::warning(this, tr("Warning"),
+                              "All table records will be loaded in memory, this operation may \r\ntake some time",
+                              QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+}
+
+void TframeData::CopyGrid() {
+  if (!confirmLoadAll()) return;
+  model_->fetchAll();
+  std::vector<int> rows(static_cast<size_t>(model_->rowCount()));
+  std::iota(rows.begin(), rows.end(), 0);
+  QApplication::clipboard()->setText(rowsText(model_, rows));
+}
+
+void TframeData::PasteCells() {
+  const QModelIndex current = grid_->currentIndex();
+  if (!current.isValid()) return;
+  const QStringList lines = QApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+  for (int r = 0; r < lines.size(); ++r) {
+    const int row = current.row() + r;
+    if (row >= model_->rowCount() && model_->appendRow() < 0) return;
+    const QStringList cells = lines[r].split('\t');
+    for (int c = 0; c < cells.size() && current.column() + c < model_->columnCount(); ++c)
+      if (!model_->setData(model_->index(row, current.column() + c), cells[c], Qt::EditRole)) return;
+    model_->postRow(row);
+  }
+}
+
+void TframeData::ClearCell() {
+  const QModelIndex current = grid_->currentIndex();
+  if (current.isValid()) model_->setCell(current.row(), current.column(), {});
+}
+
+void TframeData::InsertRecord() {
+  const int row = model_->appendRow();
+  if (row < 0) return;
+  grid_->setCurrentIndex(model_->index(row, 0));
+  grid_->scrollTo(model_->index(row, 0));
+}
+
+void TframeData::DeleteRecords() {
+  const std::vector<int> rows = selectedRows();
+  if (rows.empty()) return;
+  const QString question = rows.size() == 1 ? tr("Delete record?") : tr("Delete %1 records?").arg(rows.size());
+  QMessageBox box(QMessageBox::Question, tr("Deleting Confirmation"), question, QMessageBox::Yes | QMessageBox::No,
+                  this);
+  box.setObjectName("DeletingConfirmation");
+  if (box.exec() != QMessageBox::Yes) return;
+  model_->deleteRows(rows);
+}
+
+void TframeData::PostRecord() {
+  const QModelIndex current = grid_->currentIndex();
+  if (current.isValid()) model_->postRow(current.row());
+}
+
+void TframeData::LoadAllRecords() {
+  if (confirmLoadAll()) model_->fetchAll();
+}
+
+void TframeData::ShowRecordCount() {
+  try {
+    TMyQuery count(session_);
+    count.SQL = dataview::RowCountSQL(TableName.empty() ? "(" + sql_ + ") t" : TableName);
+    count.Open();
+    count.Next();
+    const QString name = QString::fromStdString(TableName.empty() ? "query" : TableName);
+    QMessageBox::information(this, tr("Information"),
+                             "Records for table " + name + " : " + QString::fromUtf8(count.Value(0)));
+  } catch (const ServerError& error) {
+    reportError(QString::fromStdString(error.message()), true);
+  }
+}
+
+bool TframeData::ExportTo(dataview::TExportFormat format, const QString& file) {
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  bool ok = false;
+  try {
+    const uint64_t rows = dataview::ExportQuery(session_, sql_, format, file.toStdString());
+    statusText_->setText(tr("%1 rows exported to %2").arg(rows).arg(file));
+    ok = true;
+  } catch (const ServerError& error) {
+    reportError(QString::fromStdString(error.message()), true);
+  } catch (const std::exception& error) {
+    reportError(QString::fromUtf8(error.what()), false);
+  }
+  QApplication::restoreOverrideCursor();
+  return ok;
+}
+
+void TframeData::exportWithDialog(dataview::TExportFormat format) {
+  const QString suggested = QString::fromStdString((dataFolder() / dataview::ExportDefaultName(format)).string());
+  const QString file = QFileDialog::getSaveFileName(this, tr("Export"), suggested);
+  if (!file.isEmpty()) ExportTo(format, file);
+}
+
+}  // namespace lomarin::ui
