@@ -36,6 +36,13 @@ void addPlaceholder(QTreeWidgetItem* folder) {
   new QTreeWidgetItem(folder, {QString::fromLatin1(ex::kPlaceholder.data(), ex::kPlaceholder.size())});
 }
 
+struct WaitCursor {
+  WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
 // Where a folder sits: its database and, for a table's sub-folders, its table.
 ex::FolderPath pathOf(const QTreeWidgetItem* folder) {
   ex::FolderPath path{textOf(folder), {}, {}};
@@ -119,27 +126,29 @@ void TframeExplorer::clearObjects() {
 }
 
 std::optional<ex::ResultTable> TframeExplorer::run(const std::string& sql) {
-  QApplication::setOverrideCursor(Qt::WaitCursor);
   ex::ResultTable result;
-  try {
-    TMyQuery query(session_);
-    query.SQL = sql;
-    query.Open();
-    for (const auto& field : query.Fields()) result.columns.push_back(field.Name);
-    while (query.Next()) {
-      auto& row = result.rows.emplace_back();
-      for (size_t i = 0; i < result.columns.size(); ++i) row.emplace_back(query.Value(i));
+  std::optional<ServerError> failure;
+  {
+    const WaitCursor wait;
+    try {
+      TMyQuery query(session_);
+      query.SQL = sql;
+      query.Open();
+      for (const auto& field : query.Fields()) result.columns.push_back(field.Name);
+      while (query.Next()) {
+        auto& row = result.rows.emplace_back();
+        for (size_t i = 0; i < result.columns.size(); ++i) row.emplace_back(query.Value(i));
+      }
+    } catch (const ServerError& error) {
+      failure = error;
     }
-  } catch (const ServerError& error) {
-    QApplication::restoreOverrideCursor();
-    // The session's error handler has shown it when the main window installed one.
-    if (!session_.Events.OnError)
-      QMessageBox::critical(this, tr("Server error"),
-                            QString::number(error.number()) + "\n" + QString::fromStdString(error.message()));
-    return std::nullopt;
   }
-  QApplication::restoreOverrideCursor();
-  return result;
+  if (!failure) return result;
+  // The session's error handler has shown it when the main window installed one.
+  if (!session_.Events.OnError)
+    QMessageBox::critical(this, tr("Server error"),
+                          QString::number(failure->number()) + "\n" + QString::fromStdString(failure->message()));
+  return std::nullopt;
 }
 
 void TframeExplorer::fetchFolder(QTreeWidgetItem* folder) {
