@@ -2,11 +2,13 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
 #include <optional>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #if __has_include(<pwd.h>)
@@ -20,6 +22,7 @@ namespace {
 constexpr int kSchemaVersion = 1;
 constexpr int kApplicationId = 0x4C6D5374;  // "LmSt": tells our files from other SQLite files
 constexpr int kBusyTimeoutMs = 10000;
+constexpr auto kRetryFor = std::chrono::seconds(30);
 constexpr std::int64_t kRootKey = 1;
 
 constexpr const char* kSchema = R"sql(
@@ -194,11 +197,17 @@ struct SettingsStore::Impl {
   Result guarded(Body&& body, Result fallback) {
     std::lock_guard lock(mutex);
     if (!db) return fallback;
-    try {
-      return body();
-    } catch (const SqlFailure& failure) {
-      if (isDamage(failure.code)) throw SettingsError(file, failure.message);
-      return fallback;
+    // SQLite gives up on a lock without waiting when waiting could deadlock; a write must not be
+    // lost to that, so the whole call is tried again (every call is one idempotent transaction).
+    const auto deadline = std::chrono::steady_clock::now() + kRetryFor;
+    for (;;) {
+      try {
+        return body();
+      } catch (const SqlFailure& failure) {
+        if (isDamage(failure.code)) throw SettingsError(file, failure.message);
+        if ((failure.code & 0xff) != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline) return fallback;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
   }
 
