@@ -63,16 +63,21 @@ TBaseTableInfo LoadBaseTableInfo(TMyConnection& session, const std::string& data
   return info;
 }
 
-TRowWriter RowWriterFor(TMyConnection& session, const std::vector<TMyField>& fields) {
+TRowWriter RowWriterFor(TMyConnection& session, const std::vector<TMyField>& fields,
+                        std::optional<TBaseTableInfo>* cache) {
   const TBaseTableRef base = BaseTableOf(fields);
   if (base.table.empty()) return TRowWriter(fields, "Read-only: " + base.reason);
-  TBaseTableInfo info;
-  try {
-    info = LoadBaseTableInfo(session, base.database, base.table);
-  } catch (const ServerError& error) {
-    return TRowWriter(fields, "Read-only: " + error.message());
+  std::optional<TBaseTableInfo> local;
+  std::optional<TBaseTableInfo>& info = cache ? *cache : local;
+  if (!info || info->database != base.database || info->table != base.table) {
+    try {
+      info = LoadBaseTableInfo(session, base.database, base.table);
+    } catch (const ServerError& error) {
+      info.reset();
+      return TRowWriter(fields, "Read-only: " + error.message());
+    }
   }
-  return TRowWriter(fields, info, [&session](std::string_view value) { return EscapeString(session, value); });
+  return TRowWriter(fields, *info, [&session](std::string_view value) { return EscapeString(session, value); });
 }
 
 void TRowPoster::Update(const TRecord& before, const TRecord& after) {

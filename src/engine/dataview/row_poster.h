@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -19,8 +20,10 @@ class RowCountError : public std::runtime_error {
 TBaseTableInfo LoadBaseTableInfo(TMyConnection& session, const std::string& database, const std::string& table);
 
 // The writer for a result on the session: read-only with a reason when the result has no single
-// base table, or the table cannot be described, or has no key to identify rows by.
-TRowWriter RowWriterFor(TMyConnection& session, const std::vector<TMyField>& fields);
+// base table, or the table cannot be described, or has no key to identify rows by. With a cache,
+// a table described before is not asked for again.
+TRowWriter RowWriterFor(TMyConnection& session, const std::vector<TMyField>& fields,
+                        std::optional<TBaseTableInfo>* cache = nullptr);
 
 // Runs the writer's statements and checks that each touched exactly one row. Server refusals
 // come as ServerError, bad values as std::invalid_argument, wrong row counts as RowCountError.

@@ -83,7 +83,7 @@ void TDataModel::close() {
 
 const dataview::TRowWriter& TDataModel::writer() {
   if (!writerReady_ && query_) {
-    writer_ = std::make_unique<dataview::TRowWriter>(dataview::RowWriterFor(session_, query_->Fields()));
+    writer_ = std::make_unique<dataview::TRowWriter>(dataview::RowWriterFor(session_, query_->Fields(), &tableInfo_));
     writerReady_ = true;
   }
   return *writer_;

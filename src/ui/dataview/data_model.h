@@ -27,6 +27,8 @@ class TDataModel : public QAbstractTableModel {
   // the model is then empty.
   void open(const std::string& sql, bool fetchAll);
   void close();
+  // The next open describes the base table again (after its structure may have changed).
+  void forgetTable() { tableInfo_.reset(); }
   bool isOpen() const;
   const std::vector<TMyField>& fields() const;
   // Describing the base table sends statements, which reads the rest of the result first: it is
@@ -83,6 +85,7 @@ class TDataModel : public QAbstractTableModel {
   TMyConnection& session_;
   std::unique_ptr<TMyQuery> query_;
   std::unique_ptr<dataview::TRowWriter> writer_;
+  std::optional<dataview::TBaseTableInfo> tableInfo_;
   bool writerReady_ = false;
   bool maybeEditable_ = false;
   int shownSourceRows_ = 0;

@@ -191,7 +191,10 @@ bool TframeData::OpenSQL(const std::string& sql) {
   return reopen(sql);
 }
 
-bool TframeData::Refresh() { return reopen(sql_); }
+bool TframeData::Refresh() {
+  model_->forgetTable();
+  return reopen(sql_);
+}
 
 bool TframeData::LimitActive() const { return cxgrbolimit_->isVisible() && cxchkActive_->isChecked(); }
 
@@ -309,9 +312,10 @@ void TframeData::EnableCxGridSort() {
 }
 
 void TframeData::EnableFilter() {
-  connect(edtFilter_, &QLineEdit::returnPressed, this, [this] { ApplyFilter(edtFilter_->text()); },
-          Qt::UniqueConnection);
+  connect(edtFilter_, &QLineEdit::returnPressed, this, &TframeData::applyFilterLine, Qt::UniqueConnection);
 }
+
+void TframeData::applyFilterLine() { ApplyFilter(edtFilter_->text()); }
 
 bool TframeData::ApplyFilter(const QString& condition) {
   const std::string line = dataview::WhereLineFor(condition.toStdString());

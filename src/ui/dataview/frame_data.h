@@ -110,6 +110,7 @@ class TframeData : public QWidget {
   void refreshLimitBar();
   void setPagingEnabled(bool enabled);
   void onActiveToggled(bool active);
+  void applyFilterLine();
   void onLimitSettings();
   void updateRecordIndicator();
   void reportError(const QString& message, bool serverError);

@@ -1,0 +1,150 @@
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+
+#include "dataview_fixture.h"
+#include "test_server.h"
+#include "ui/dataview/data_model.h"
+#include "ui/dataview/frame_data.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using namespace lomarin;
+using namespace lomarin::ui;
+
+void copyDemo(const std::string& table) {
+  test::sideExec("DROP TABLE IF EXISTS lomarin_test." + table);
+  test::sideExec("CREATE TABLE lomarin_test." + table + " LIKE lomarin_demo." + table);
+  test::sideExec("INSERT INTO lomarin_test." + table + " SELECT * FROM lomarin_demo." + table);
+}
+
+// The grid of a frame showing a statement, with the errors it shows collected.
+struct Grid {
+  explicit Grid(test::DataviewFixture& f) : frame(*f.session, *f.settings) {
+    frame.ErrorDisplay = [this](const QString& message) { shown << message; };
+    frame.resize(800, 400);
+  }
+  TDataModel& model() { return *frame.model(); }
+  bool edit(int row, int column, const QString& text) {
+    return model().setData(model().index(row, column), text, Qt::EditRole);
+  }
+  QString text(int row, int column) { return model().data(model().index(row, column), Qt::EditRole).toString(); }
+
+  TframeData frame;
+  QStringList shown;
+};
+
+class EditingTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void cellEditsReachExactlyThatRow() {
+    copyDemo("product_media");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
+    QVERIFY(grid.frame.statusText().isEmpty());
+    f.takeStatements();
+
+    QVERIFY(grid.edit(3, 3, "Émoji 🎉 o'k"));
+    QCOMPARE(f.takeStatements(),
+             (std::vector<std::string>{"UPDATE `lomarin_test`.`product_media` SET `caption` = 'Émoji 🎉 o\\'k' "
+                                       "WHERE `media_id` = 4"}));
+    // The BLOB column is edited as hex digits and written as bytes.
+    QCOMPARE(grid.text(2, 6), QString("00275C220A0D1AFF0027"));
+    QVERIFY(grid.edit(2, 6, "00ff5c27"));
+    QCOMPARE(test::scalar(*f.session, "select caption from product_media where media_id = 4"),
+             std::string("Émoji 🎉 o'k"));
+    QCOMPARE(test::scalar(*f.session, "select hex(content) from product_media where media_id = 3"),
+             std::string("00FF5C27"));
+    QCOMPARE(test::scalar(*f.session,
+                          "select count(*) from product_media p join lomarin_demo.product_media d using (media_id) "
+                          "where not (p.caption <=> d.caption and p.content <=> d.content)"),
+             std::string("2"));
+    QCOMPARE(grid.text(2, 6), QString("00FF5C27"));
+    QVERIFY(!grid.edit(2, 6, "abc"));
+    QCOMPARE(grid.shown.size(), 1);
+  }
+
+  void refusedUpdateKeepsTheEdit() {
+    copyDemo("product_media");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
+    grid.frame.grid()->setCurrentIndex(grid.model().index(0, 2));
+    grid.frame.ClearCell();  // file_name is NOT NULL
+    QCOMPARE(f.serverErrors.size(), size_t(1));
+    QVERIFY(grid.model().data(grid.model().index(0, 2), Qt::EditRole).isNull());
+    QVERIFY(grid.model().isPendingRow(0));
+    QVERIFY(grid.frame.statusText().contains("file_name"));
+    QCOMPARE(test::scalar(*f.session, "select file_name from product_media where media_id = 1"),
+             std::string("espresso.png"));
+    // Correcting the value posts the row with both changes.
+    QVERIFY(grid.edit(0, 2, "fixed.png"));
+    QVERIFY(!grid.model().isPendingRow(0));
+    QCOMPARE(test::scalar(*f.session, "select file_name from product_media where media_id = 1"),
+             std::string("fixed.png"));
+  }
+
+  void insertAndDeleteRows() {
+    copyDemo("product_media");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
+    grid.frame.InsertRecord();
+    const int row = grid.model().rowCount() - 1;
+    QCOMPARE(row, 10);
+    QVERIFY(grid.edit(row, 2, "added.txt"));
+    QVERIFY(grid.edit(row, 6, "CAFE"));
+    f.takeStatements();
+    // Leaving the row posts it.
+    grid.frame.grid()->setCurrentIndex(grid.model().index(0, 0));
+    QCOMPARE(f.takeStatements(), (std::vector<std::string>{"INSERT INTO `lomarin_test`.`product_media` "
+                                                           "(`file_name`, `content`) VALUES ('added.txt', X'CAFE')"}));
+    QCOMPARE(grid.text(row, 0), QString("11"));
+    QCOMPARE(test::scalar(*f.session, "select concat(file_name, hex(content)) from product_media where media_id = 11"),
+             std::string("added.txtCAFE"));
+
+    grid.frame.grid()->setCurrentIndex(grid.model().index(1, 0));
+    grid.frame.grid()->selectionModel()->select(grid.model().index(row, 0), QItemSelectionModel::Select);
+    QString question;
+    QTimer::singleShot(0, [&question] {
+      QMessageBox* box = nullptr;
+      QTRY_VERIFY((box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) != nullptr);
+      QCOMPARE(box->windowTitle(), QString("Deleting Confirmation"));
+      question = box->text();
+      box->button(QMessageBox::Yes)->click();
+    });
+    grid.frame.DeleteRecords();
+    QCOMPARE(question, QString("Delete 2 records?"));
+    QCOMPARE(grid.model().rowCount(), 9);
+    QCOMPARE(test::scalar(*f.session, "select group_concat(media_id order by media_id) from product_media"),
+             std::string("1,3,4,5,6,7,8,9,10"));
+    QCOMPARE(grid.text(1, 0), QString("3"));
+  }
+
+  void keylessTableIsReadOnlyWithItsReason() {
+    copyDemo("raw_import");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(grid.frame.OpenSQL("select * from raw_import"));
+    const QString reason =
+        "Read-only: `raw_import` has no primary key or unique key over NOT NULL columns in this result";
+    QCOMPARE(grid.frame.statusText(), reason);
+    QVERIFY(!(grid.model().flags(grid.model().index(0, 0)) & Qt::ItemIsEditable));
+    f.takeStatements();
+    QVERIFY(!grid.edit(0, 0, "x"));
+    grid.frame.InsertRecord();
+    QCOMPARE(grid.model().rowCount(), 6);
+    QVERIFY(f.takeStatements().empty());
+    QCOMPARE(grid.shown, (QStringList{reason, reason}));
+  }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(EditingTest)
+#include "editing_test.moc"
