@@ -219,6 +219,13 @@ class MainWindowTest : public QObject {
     QCOMPARE(window.outputHeight(), 80);
   }
 
+  void startupMigratesStoredSshPasswordsOnce() {
+    lomarin::test::FreshSettings fresh;
+    QCOMPARE(fresh.store->read(lomarin::opt::EncryptSsh), std::string("0"));
+    Tformppal window(*fresh.store);
+    QCOMPARE(fresh.store->read(lomarin::opt::EncryptSsh), std::string("1"));
+  }
+
   void outputSizeBelowOneGives80() {
     lomarin::test::FreshSettings fresh;
     fresh.store->write(lomarin::opt::OutputSize, "0");
@@ -413,6 +420,13 @@ class MainWindowTest : public QObject {
     QVERIFY(lastOutputLine(window).endsWith(" ] USE `lomarin_demo`"));
     QCOMPARE(window.MySqlSession.CurrentDatabase(), std::string("lomarin_demo"));
     QVERIFY(window.currentdb());
+
+    // A double-click on a database in the tree makes it current as well.
+    const auto mysql = window.explorer()->tree()->findItems("mysql", Qt::MatchExactly | Qt::MatchRecursive);
+    QCOMPARE(mysql.size(), 1);
+    emit window.explorer()->tree()->itemDoubleClicked(mysql[0], 0);
+    QVERIFY(lastOutputLine(window).endsWith(" ] USE `mysql`"));
+    QCOMPARE(window.MySqlSession.CurrentDatabase(), std::string("mysql"));
   }
 };
 
