@@ -152,28 +152,47 @@ class Analyzer {
     node.Start = static_cast<int>(tokens_[s.First].Start);
     node.End = static_cast<int>(tokens_[s.Last - 1].Start + tokens_[s.Last - 1].Length);
     TSqlTreeNode* section = nullptr;
+    size_t itemFirst = 0;  // first token of the section item being read; 0 when none
+    auto flushItem = [&](size_t end) {
+      if (section && section->Caption != "From" && itemFirst != 0 && itemFirst < end)
+        section->Children.push_back({spanText(itemFirst, end), -1, -1, {}});
+      itemFirst = 0;
+    };
     int depth = 0;
     for (size_t i = s.First; i < s.Last; ++i) {
       const TSqlToken& token = tokens_[i];
       const std::string_view word = textOf(token);
+      const int depthBefore = depth;
       if (token.Type == TTokenType::Symbol) depth += countOf(word, '(') - countOf(word, ')');
-      if (depth > 0 || token.Type == TTokenType::Comment) continue;
-      if (token.Type == TTokenType::MainKeyWords) {
+      if (token.Type == TTokenType::Comment) continue;
+      if (depthBefore == 0 && token.Type == TTokenType::MainKeyWords) {
         if (const char* name = sectionName(upper(word))) {
+          flushItem(i);
           node.Children.push_back({name, -1, -1, {}});
           section = &node.Children.back();
+          continue;
         }
-        continue;
+        if (upper(word) == "BY" && itemFirst == 0) continue;
+        if (endsSection(upper(word))) {
+          flushItem(i);
+          section = nullptr;
+          continue;
+        }
       }
       if (!section) continue;
+      if (depthBefore == 0 && depth == 0 && token.Type == TTokenType::Symbol && word == ",") {
+        flushItem(i);
+        continue;
+      }
+      if (itemFirst == 0) itemFirst = i;
+      if (depthBefore > 0) continue;
       if (token.Type == TTokenType::TableName) {
         section->Children.push_back({tableName(i), -1, -1, {}});
       } else if (token.Type == TTokenType::Alias) {
         section->Children.push_back({tableName(tableBefore(i)) + " = " + std::string(word), -1, -1, {}});
-      } else if (section->Caption != "From" && token.Type == TTokenType::Identifier) {
-        section->Children.push_back({std::string(word), -1, -1, {}});
       }
     }
+    flushItem(s.Last);
     return node;
   }
 
@@ -185,6 +204,19 @@ class Analyzer {
   }
 
  private:
+  // The source of tokens [first, end) with each run of white space as one blank.
+  std::string spanText(size_t first, size_t end) const {
+    const std::string_view raw =
+        text_.substr(tokens_[first].Start, tokens_[end - 1].Start + tokens_[end - 1].Length - tokens_[first].Start);
+    std::string out;
+    for (char c : raw) {
+      const bool blank = std::isspace(static_cast<unsigned char>(c));
+      if (!blank) out += c;
+      else if (!out.empty() && out.back() != ' ') out += ' ';
+    }
+    return out;
+  }
+
   static int countOf(std::string_view s, char c) {
     int n = 0;
     for (char x : s) n += x == c;
@@ -197,6 +229,12 @@ class Analyzer {
     for (const auto& [key, name] : kSections)
       if (word == key) return name;
     return nullptr;
+  }
+
+  // Clauses the tree shows no section for; they end the section before them.
+  static bool endsSection(const std::string& word) {
+    return word == "LIMIT" || word == "HAVING" || word == "UNION" || word == "ON" || word == "USING" ||
+           word == "INTO" || word == "VALUES" || word == "SET" || word == "WINDOW";
   }
 
   // The TableName token an alias belongs to.

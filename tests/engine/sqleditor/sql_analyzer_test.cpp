@@ -48,9 +48,19 @@ TEST(SqlAnalyzer, StatementTreeSectionsTablesAndAliases) {
   for (const TSqlTreeNode& n : tree[0].Children[2].Children) from.push_back(n.Caption);
   EXPECT_EQ(from, (std::vector<std::string>{"lomarin_demo.orders", "lomarin_demo.orders = o", "customers",
                                             "customers = c"}));
-  // The sub-query's table stays inside its bracket and out of the outer sections.
-  for (const TSqlTreeNode& section : tree[0].Children)
-    for (const TSqlTreeNode& n : section.Children) EXPECT_EQ(n.Caption.find("t2"), std::string::npos);
+  // Other sections list their items as written, brackets (and sub-queries) kept whole.
+  auto items = [&](size_t section) {
+    std::vector<std::string> out;
+    for (const TSqlTreeNode& n : tree[0].Children[section].Children) out.push_back(n.Caption);
+    return out;
+  };
+  EXPECT_EQ(items(0), (std::vector<std::string>{"o.id", "c.name"}));
+  EXPECT_EQ(items(3), (std::vector<std::string>{"o.id > (select max(id) from t2)"}));
+  EXPECT_EQ(items(4), (std::vector<std::string>{"o.id"}));
+  const std::vector<TSqlTreeNode> grouped = BuildStatementTree("select a,\n  sum(b, c) from t group by a limit 5");
+  ASSERT_EQ(grouped[0].Children.size(), 3u);
+  EXPECT_EQ(grouped[0].Children[0].Children[1].Caption, "sum(b, c)");
+  EXPECT_EQ(grouped[0].Children[2].Children.size(), 1u);
   EXPECT_EQ(tree[1].Caption, "delete");
   EXPECT_TRUE(BuildStatementTree(" -- only a comment\n ; ;").empty());
 }

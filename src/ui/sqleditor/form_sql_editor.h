@@ -1,0 +1,125 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/connect/my_connection.h"
+#include "ui/sqleditor/error_reporter.h"
+#include "ui/sqleditor/sql_completer.h"
+
+class QAction;
+class QLabel;
+class QSplitter;
+class QTabWidget;
+class QToolBar;
+
+namespace lomarin {
+class SettingsStore;
+class THsitory;
+class TMyParams;
+class TMyScript;
+struct TResultSet;
+}  // namespace lomarin
+
+namespace lomarin::ui {
+
+class TframeecSQL;
+
+// What an editor document uses of the program around it.
+struct TSqlEditorContext {
+  TSqlEditorContext(TMyConnection& session, SettingsStore& settings) : Session(session), Settings(settings) {}
+
+  TMyConnection& Session;
+  SettingsStore& Settings;
+  THsitory* History = nullptr;
+  TMyParams* Params = nullptr;
+  ErrorReporter ShowServerError;
+  // Asks for a current database when none is set; false stops the command. None: always true.
+  std::function<bool()> CurrentDb;
+  // Objects of the current database for the completion lists.
+  std::function<std::vector<TDbObjectItem>()> DatabaseObjects;
+  // The folder holding the shipped "Utils/" and "formatter/" files.
+  QString ShippedFolder;
+};
+
+// The shipped files' folder: beside the program, else share/lomarin above it.
+QString DefaultShippedFolder();
+
+// The "SQL editor" document: the editing frame above the results of query-mode runs.
+class TformSQLEditor : public QWidget {
+  Q_OBJECT
+  Q_PROPERTY(QString fileName READ fileName)
+ public:
+  explicit TformSQLEditor(TSqlEditorContext context, QWidget* parent = nullptr);
+  ~TformSQLEditor() override;
+
+  TframeecSQL* frame() const { return frame_; }
+  QTabWidget* results() const { return pgcResults_; }
+  QAction* action(const QString& objectName) const;
+  QString panelText(int index) const;
+  // Panel 4: a text the main window gives the document.
+  void setStatusText(const QString& text);
+
+  const QString& fileName() const { return fileName_; }
+  bool loadFile(const QString& fileName);
+  bool saveToFile(const QString& fileName);
+
+  // The execution commands: query mode on the selection or text, on a given text, explain,
+  // script mode, the block at the caret, and stop.
+  void RunEditorText();
+  void RunStatementText(const QString& text);
+  void ExplainEditorText();
+  void RunEditorScript();
+  void RunCurrentSQL();
+  void Stop();
+
+  void formatCode();
+  void unformatCode();
+  // Asks before emptying the memo.
+  void clearEditor();
+  // Asks whether to save a changed text; false when the user cancels closing.
+  bool CheckSave();
+  // Enables the execution commands while the session is connected.
+  void updateConnected();
+  // Re-reads the editor options (on activation).
+  void applyOptions();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void buildActions();
+  void buildLayout();
+  QAction* addAction(const char* name, const QString& caption, const QString& shortcut, std::function<void()> run);
+  bool askCurrentDb() const;
+  void runQuery(const std::string& text, bool recordHistory);
+  void addToHistory(const std::string& text);
+  void showResults(std::vector<TResultSet> results);
+  void clearResults();
+  void updateRecordPanel(int row);
+  void showError(const QString& message) const;
+  bool saveWithDialog();
+  void setRunning(bool running);
+
+  TSqlEditorContext ctx_;
+  std::unique_ptr<TMyScript> myScript_;
+  std::string scriptErrors_;
+  std::string formatterSource_;
+  QString fileName_;
+  bool queryRunning_ = false;
+  unsigned long runningThread_ = 0;
+  int firstRowCount_ = 0;
+
+  QToolBar* tbSQL_;
+  QSplitter* splSQL_;
+  TframeecSQL* frame_;
+  QTabWidget* pgcResults_;
+  std::vector<QLabel*> panels_;
+};
+
+}  // namespace lomarin::ui

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+class QWidget;
+
+namespace lomarin::ui {
+
+// Runs work on a worker thread while this thread keeps the window painted under the busy cursor.
+// A run that lasts beyond a moment shows a modal dialog (caption, "Stop") so nothing else uses
+// the session meanwhile; "Stop" calls stop, which must make work return soon. Whatever work
+// throws is thrown here.
+void RunOffUiThread(const std::function<void()>& work, const std::function<void()>& stop, QWidget* parent,
+                    const QString& caption);
+
+}  // namespace lomarin::ui

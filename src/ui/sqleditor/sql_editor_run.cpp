@@ -1,0 +1,215 @@
+// The execution commands of the SQL editor document.
+#include <Qsci/qsciscintilla.h>
+
+#include <QAction>
+#include <QLabel>
+#include <QTabWidget>
+#include <QTableView>
+#include <chrono>
+
+#include "engine/connect/kill_query.h"
+#include "engine/sqleditor/macros.h"
+#include "engine/sqleditor/my_script.h"
+#include "engine/sqleditor/query_params.h"
+#include "engine/sqleditor/query_results.h"
+#include "engine/sqleditor/run_current.h"
+#include "engine/sqleditor/script_services.h"
+#include "engine/sqleditor/sql_history.h"
+#include "ui/sqleditor/form_params_manager.h"
+#include "ui/sqleditor/form_sql_editor.h"
+#include "ui/sqleditor/frame_ec_sql.h"
+#include "ui/sqleditor/query_wait.h"
+#include "ui/sqleditor/result_view.h"
+#include "ui/sqleditor/script_progress.h"
+
+namespace lomarin::ui {
+
+namespace {
+
+// The session's handlers show dialogs; while a worker thread uses the session they stay off,
+// and the caller shows what went wrong once back on this thread.
+class DetachedSessionHandlers {
+ public:
+  explicit DetachedSessionHandlers(TMyConnection& session)
+      : session_(session), onError_(std::move(session.Events.OnError)),
+        onLost_(std::move(session.Events.OnConnectionLost)) {
+    session_.Events.OnError = nullptr;
+    session_.Events.OnConnectionLost = nullptr;
+  }
+  ~DetachedSessionHandlers() {
+    session_.Events.OnError = std::move(onError_);
+    session_.Events.OnConnectionLost = std::move(onLost_);
+  }
+  const std::function<void(const ServerError&)>& onError() const { return onError_; }
+
+ private:
+  TMyConnection& session_;
+  std::function<void(const ServerError&)> onError_;
+  std::function<RetryMode()> onLost_;
+};
+
+QString secondsText(std::chrono::steady_clock::duration elapsed) {
+  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
+  return "SQL Executed : " + QString::number(static_cast<double>(ms) / 1000.0, 'g', QLocale::FloatingPointShortest) +
+         " secs";
+}
+
+std::vector<std::string> memoLines(const QsciScintilla& memo) {
+  std::vector<std::string> lines;
+  for (int i = 0; i < memo.lines(); ++i) {
+    QString line = memo.text(i);
+    while (line.endsWith('\n') || line.endsWith('\r')) line.chop(1);
+    lines.push_back(line.toStdString());
+  }
+  return lines;
+}
+
+}  // namespace
+
+bool TformSQLEditor::askCurrentDb() const { return !ctx_.CurrentDb || ctx_.CurrentDb(); }
+
+void TformSQLEditor::RunEditorText() {
+  if (!askCurrentDb()) return;
+  clearResults();
+  runQuery(frame_->selectionOrText().toStdString(), true);
+}
+
+void TformSQLEditor::RunStatementText(const QString& text) { runQuery(text.toStdString(), true); }
+
+void TformSQLEditor::ExplainEditorText() {
+  if (!askCurrentDb()) return;
+  clearResults();
+  runQuery(ExplainText(frame_->selectionOrText().toStdString()), false);
+}
+
+void TformSQLEditor::RunCurrentSQL() {
+  if (!askCurrentDb()) return;
+  QsciScintilla* memo = frame_->memo();
+  int line = 0, index = 0;
+  memo->getCursorPosition(&line, &index);
+  const TRunCurrentPlan plan = PlanRunCurrent(memoLines(*memo), line);
+  clearResults();
+  if (plan.Text.empty()) return;
+  runQuery(plan.Text, true);
+  memo->setCursorPosition(std::min(plan.CaretLine, memo->lines() - 1), 0);
+  frame_->markExecuted(plan.StartLine);
+}
+
+void TformSQLEditor::addToHistory(const std::string& text) {
+  if (!ctx_.History) return;
+  try {
+    ctx_.History->addRecToHistory(text, ctx_.Session.CurrentDatabase());
+  } catch (const std::exception& error) {
+    showError(QString::fromStdString(error.what()));
+  }
+}
+
+void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
+  if (queryRunning_) return;
+  if (recordHistory) addToHistory(text);
+  const auto t0 = std::chrono::steady_clock::now();
+  std::string sql = text;
+  TMacros macros = MacrosOf(sql);
+  if (!macros.empty()) {
+    if (!ctx_.Params || !AskMacroValues(macros, *ctx_.Params, ctx_.ShowServerError, this)) return;
+    sql = ExpandMacros(sql, macros);
+  }
+  std::vector<TResultSet> results;
+  std::optional<ServerError> failure;
+  {
+    DetachedSessionHandlers detached(ctx_.Session);
+    runningThread_ = ctx_.Session.ThreadId();
+    setRunning(true);
+    try {
+      RunOffUiThread([&] { results = OpenAllResults(ctx_.Session, sql); }, [this] { Stop(); }, this, "Run SQL");
+    } catch (const ServerError& error) {
+      failure = error;
+    }
+    setRunning(false);
+    if (failure && detached.onError()) {
+      detached.onError()(*failure);
+      return;
+    }
+  }
+  if (failure) {
+    showError(QString::fromStdString(failure->message()));
+    return;
+  }
+  const auto elapsed = std::chrono::steady_clock::now() - t0;
+  firstRowCount_ = results.empty() ? 0 : static_cast<int>(results.front().Rows.size());
+  showResults(std::move(results));
+  panels_[2]->setText("Rows Count  : " + QString::number(firstRowCount_));
+  panels_[3]->setText(secondsText(elapsed));
+}
+
+void TformSQLEditor::RunEditorScript() {
+  if (!askCurrentDb() || queryRunning_) return;
+  DetachedSessionHandlers detached(ctx_.Session);
+  TMyScript& script = *myScript_;
+  script.SQL = frame_->selectionOrText().toStdString();
+  scriptErrors_.clear();
+  script.OnError = CollectScriptErrors(scriptErrors_);
+  frame_->setErrorLine(-1);
+  addToHistory(script.SQL);
+  const auto t0 = std::chrono::steady_clock::now();
+  setRunning(true);
+  try {
+    RunScriptWithProgress(script, this, "Run SQL Script");
+  } catch (const ServerError& error) {
+    scriptErrors_ += error.message();
+  }
+  setRunning(false);
+  const auto elapsed = std::chrono::steady_clock::now() - t0;
+  if (!scriptErrors_.empty()) showError(QString::fromStdString(scriptErrors_));
+  panels_[3]->setText(secondsText(elapsed));
+}
+
+void TformSQLEditor::Stop() {
+  myScript_->BreakExec();
+  if (!queryRunning_ || runningThread_ == 0) return;
+  try {
+    KillQuery(ctx_.Session.Settings, runningThread_);
+  } catch (const ServerError& error) {
+    showError(QString::fromStdString(error.message()));
+  }
+}
+
+void TformSQLEditor::setRunning(bool running) {
+  queryRunning_ = running;
+  action("actStop")->setEnabled(running);
+  updateConnected();
+}
+
+void TformSQLEditor::clearResults() {
+  while (pgcResults_->count() > 0) {
+    QWidget* page = pgcResults_->widget(0);
+    pgcResults_->removeTab(0);
+    delete page;
+  }
+  updateRecordPanel(-1);
+}
+
+void TformSQLEditor::showResults(std::vector<TResultSet> results) {
+  clearResults();
+  int number = 0;
+  for (TResultSet& result : results) {
+    ++number;
+    if (result.Columns.empty()) continue;
+    auto shared = std::make_shared<const TResultSet>(std::move(result));
+    QTableView* view = createResultView(shared, pgcResults_);
+    pgcResults_->addTab(view, QString("Result %1").arg(number));
+    if (pgcResults_->count() == 1) {
+      connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+              [this](const QModelIndex& current) { updateRecordPanel(current.row()); });
+      if (!shared->Rows.empty()) view->selectRow(0);
+    }
+  }
+}
+
+void TformSQLEditor::updateRecordPanel(int row) {
+  panels_[1]->setText(row < 0 || firstRowCount_ == 0
+                          ? QString("Record ???")
+                          : QString("Record  %1 / %2").arg(row + 1).arg(firstRowCount_));
+}
+
+}  // namespace lomarin::ui

@@ -1,0 +1,330 @@
+#include <Qsci/qsciscintilla.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+#include <filesystem>
+
+#include "engine/app/option_names.h"
+#include "engine/app/settings_store.h"
+#include "engine/connect/sql_monitor.h"
+#include "engine/sqleditor/query_params.h"
+#include "engine/sqleditor/sql_formatter.h"
+#include "engine/sqleditor/sql_history.h"
+#include "test_server.h"
+#include "ui/sqleditor/form_sql_editor.h"
+#include "ui/sqleditor/frame_ec_sql.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using namespace lomarin;
+using namespace lomarin::ui;
+
+// Runs check on the modal dialog once it is up.
+void whenModal(std::function<void(QWidget*)> check) {
+  QTimer::singleShot(0, [check] {
+    QWidget* dialog = nullptr;
+    QTRY_VERIFY((dialog = QApplication::activeModalWidget()) != nullptr);
+    check(dialog);
+  });
+}
+
+void clickButton(QWidget* dialog, QMessageBox::StandardButton which) {
+  auto* box = qobject_cast<QMessageBox*>(dialog);
+  QVERIFY(box);
+  box->button(which)->click();
+}
+
+// One editor on a real session, with the statements it sent and the errors it showed.
+struct Fixture {
+  explicit Fixture(const std::filesystem::path& folder, const std::string& database = "lomarin_test",
+                   bool trace = false)
+      : settings(folder / "settings.db"), session(test::connect(database)), history(folder, trace), params(folder) {
+    monitor.addListener([this](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
+    session->setMonitor(&monitor);
+    TSqlEditorContext context(*session, settings);
+    context.History = &history;
+    context.Params = &params;
+    context.ShowServerError = [this](const QString& message) { errors << message; };
+    context.DatabaseObjects = [] { return std::vector<TDbObjectItem>{{"orders", TDbObjectItem::Kind::Table}}; };
+    context.ShippedFolder = LOMARIN_SHIPPED_DIR;
+    editor = std::make_unique<TformSQLEditor>(context);
+    editor->setAttribute(Qt::WA_DeleteOnClose, false);
+    editor->resize(900, 640);
+    editor->show();
+  }
+
+  QsciScintilla* memo() const { return editor->frame()->memo(); }
+  void run(const char* action, const QString& text) {
+    memo()->setText(text);
+    sent.clear();
+    editor->action(action)->trigger();
+  }
+
+  SettingsStore settings;
+  std::unique_ptr<TMyConnection> session;
+  TMySQLMonitor monitor;
+  THsitory history;
+  TMyParams params;
+  QStringList sent;
+  QStringList errors;
+  std::unique_ptr<TformSQLEditor> editor;
+};
+
+class SqlEditorTest : public QObject {
+  Q_OBJECT
+
+  std::filesystem::path folder_;
+
+ private slots:
+  void init() {
+    folder_ = std::filesystem::temp_directory_path() / "lomarin_ui_sql_editor";
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directories(folder_);
+  }
+  void cleanup() { std::filesystem::remove_all(folder_); }
+
+  void commandsAndPanels() {
+    Fixture f(folder_);
+    QCOMPARE(f.editor->windowTitle(), QString("SQL editor"));
+    const std::pair<const char*, const char*> shortcuts[] = {
+        {"actRun", "F9"}, {"actRunScript", "F7"}, {"actRunCurrentSQL", "Shift+Return"}, {"actUnformat", "Ctrl+Shift+U"},
+        {"actSQLList", "Ctrl+J"}, {"actIndent", "Ctrl+Shift+I"}, {"actLowerCase", "Ctrl+L"}, {"actUpperCase", "Ctrl+U"},
+        {"actRedo", "Ctrl+Shift+Z"}, {"actFind", "Ctrl+F"}, {"actReplace", "Ctrl+R"}, {"actIncSearch", "Ctrl+E"}};
+    for (const auto& [name, keys] : shortcuts) QCOMPARE(f.editor->action(name)->shortcut(), QKeySequence(keys));
+    QCOMPARE(f.editor->action("actExplain")->text(), QString("Explain SQL"));
+    QCOMPARE(f.editor->action("TBItem8")->text(), QString("Execute SQL"));
+    QCOMPARE(f.editor->action("actReplace")->text(), QString("&Replace "));
+    QCOMPARE(f.editor->panelText(1), QString("Record ???"));
+
+    // The five execution commands follow the connection.
+    f.session->Disconnect();
+    f.editor->updateConnected();
+    for (const char* name : {"actRun", "actRunScript", "actRunCurrentSQL", "actExplain", "TBItem8"})
+      QVERIFY2(!f.editor->action(name)->isEnabled(), name);
+    f.session->Connect();
+    f.editor->updateConnected();
+    QVERIFY(f.editor->action("actRun")->isEnabled());
+  }
+
+  void queryModeSendsOneRequestAndShowsEachResult() {
+    Fixture f(folder_, "lomarin_test", true);
+    f.run("actRun", "select 1; select 2 as b union select 3");
+    QCOMPARE(f.sent, QStringList{"select 1; select 2 as b union select 3"});
+    QCOMPARE(f.editor->results()->count(), 2);
+    auto* second = qobject_cast<QTableView*>(f.editor->results()->widget(1));
+    QCOMPARE(second->model()->rowCount(), 2);
+    QCOMPARE(second->model()->index(1, 0).data().toString(), QString("3"));
+    QCOMPARE(f.editor->panelText(2), QString("Rows Count  : 1"));
+    QVERIFY(QRegularExpression("^SQL Executed : [0-9.e-]+ secs$").match(f.editor->panelText(3)).hasMatch());
+    QCOMPARE(f.editor->panelText(1), QString("Record  1 / 1"));
+
+    // A selection runs alone; Explain sends the word, one blank and the text, and stays out of the history.
+    f.memo()->setText("select 5\nselect * from dual");
+    f.memo()->setSelection(0, 0, 0, 8);
+    f.sent.clear();
+    f.editor->action("actExplain")->trigger();
+    QCOMPARE(f.sent, QStringList{"Explain select 5"});
+    f.history.LoadFile();
+    QCOMPARE(f.history.Table().RecordCount(), size_t{1});
+
+    // A failing request shows the server's message; the text and the last results stay.
+    f.run("actRun", "select * from no_such_table_ed");
+    QCOMPARE(f.errors.size(), 1);
+    QVERIFY(f.errors[0].contains("no_such_table_ed"));
+    QCOMPARE(f.memo()->text(), QString("select * from no_such_table_ed"));
+  }
+
+  void historyOnlyWithSqlTrace() {
+    Fixture f(folder_, "lomarin_test", false);
+    f.run("actRun", "select 1");
+    QVERIFY(!std::filesystem::exists(f.history.FileName()));
+  }
+
+  void scriptModeSplitsAndCollectsErrors() {
+    Fixture f(folder_);
+    f.run("actRunScript", "select 1; select 2");
+    QCOMPARE(f.sent, (QStringList{"select 1", "select 2"}));
+    QCOMPARE(f.editor->results()->count(), 0);
+    QVERIFY(f.editor->panelText(3).startsWith("SQL Executed : "));
+
+    test::sideExec("drop procedure if exists lomarin_test.ed_proc");
+    f.run("actRunScript",
+          "DELIMITER $$\ncreate procedure ed_proc() begin select 1; select 2; end$$\nDELIMITER ;\nselect 3;");
+    QCOMPARE(test::scalar(*f.session, "select count(*) from information_schema.routines where routine_schema = "
+                                      "'lomarin_test' and routine_name = 'ed_proc'"),
+             std::string("1"));
+    QVERIFY(f.errors.isEmpty());
+
+    f.run("actRunScript", "select 1;\nselect * from no_such_ed;\nselect 3;");
+    QCOMPARE(f.sent.last(), QString("select 3"));
+    QCOMPARE(f.errors.size(), 1);
+    QVERIFY(f.errors[0].startsWith("select * from no_such_ed\rTable 'lomarin_test.no_such_ed' doesn't exist\n"));
+    test::sideExec("drop procedure lomarin_test.ed_proc");
+  }
+
+  void macroIsAskedOnceAndCancelSendsNothing() {
+    Fixture f(folder_);
+    int asked = 0;
+    whenModal([&](QWidget* dialog) {
+      ++asked;
+      qobject_cast<QDialog*>(dialog)->reject();
+    });
+    f.run("actRun", "select &id, &id + 1");
+    QCOMPARE(asked, 1);
+    QVERIFY(f.sent.isEmpty());
+
+    whenModal([&](QWidget* dialog) {
+      dialog->findChild<QLineEdit*>("edtValue")->setText("7");
+      dialog->findChild<QPushButton*>("btnOk")->click();
+    });
+    f.run("actRun", "select &id, &id + 1");
+    QCOMPARE(f.sent, QStringList{"select 7, 7 + 1"});
+  }
+
+  void runCurrentAndTreeSendTheirBlock() {
+    Fixture f(folder_);
+    f.memo()->setText("select 9;\n\nselect 1,\n2;\n\nselect 3");
+    f.memo()->setCursorPosition(4, 0);
+    f.sent.clear();
+    f.editor->action("actRunCurrentSQL")->trigger();
+    QCOMPARE(f.sent, QStringList{"\n\rselect 1,\n\r2;"});
+    QCOMPARE(f.editor->panelText(2), QString("Rows Count  : 1"));
+
+    // The tree's "Execute SQL" runs the statement of the chosen node.
+    f.editor->frame()->refreshTree();
+    QTreeWidget* tree = f.editor->frame()->tree();
+    QCOMPARE(tree->topLevelItemCount(), 3);
+    tree->setCurrentItem(tree->topLevelItem(2));
+    f.sent.clear();
+    f.editor->action("TBItem8")->trigger();
+    QCOMPARE(f.sent, QStringList{"select 3"});
+  }
+
+  void columnsAfterAnAlias() {
+    Fixture f(folder_, "lomarin_demo");
+    f.memo()->setText("select  from orders t");
+    f.memo()->setCursorPosition(0, 7);
+    f.memo()->setFocus();
+    f.sent.clear();
+    QTest::keyClicks(f.memo(), "t.");
+    QCOMPARE(f.sent, QStringList{"DESC orders"});
+    const auto& items = f.editor->frame()->completer()->shownItems();
+    QVERIFY(items.size() > 3);
+    QCOMPARE(QString::fromStdString(items[0].Display), QString("<ALL>"));
+    QCOMPARE(QString::fromStdString(items[0].Text), QString("*"));
+    QCOMPARE(QString::fromStdString(items[1].Text), QString("order_id"));
+    QVERIFY(f.memo()->isListActive());
+    QTest::keyClick(f.memo(), Qt::Key_Return);
+    QCOMPARE(f.memo()->text(), QString("select t.* from orders t"));
+
+    // Snippets ending in a bracket leave the caret inside it.
+    f.memo()->setText("");
+    f.editor->action("actSQLList")->trigger();
+    QVERIFY(f.memo()->isListActive());
+    QTest::keyClicks(f.memo(), "IFN");
+    QTest::keyClick(f.memo(), Qt::Key_Return);
+    QCOMPARE(f.memo()->text(), QString("IFNULL()"));
+    int line = 0, index = 0;
+    f.memo()->getCursorPosition(&line, &index);
+    QCOMPARE(index, 7);
+  }
+
+  void formatClearAndSave() {
+    Fixture f(folder_);
+    f.memo()->setText("select 1;\nselect a,b from t where x=1");
+    f.memo()->setSelection(1, 0, 1, 28);
+    f.editor->action("actFormat")->trigger();
+    QCOMPARE(f.memo()->text(), QString::fromStdString(FormatSql("select a,b from t where x=1").Text));
+    QCOMPARE(f.editor->frame()->errorLine(), -1);
+    f.editor->action("actUnformat")->trigger();
+    QCOMPARE(f.memo()->text(), QString("select a,b from t where x=1"));
+    f.memo()->setText("select 1\nfrom (t");
+    f.editor->action("actFormat")->trigger();
+    QCOMPARE(f.editor->frame()->errorLine(), 2);
+
+    f.memo()->setText("keep me");
+    whenModal([](QWidget* box) {
+      QCOMPARE(qobject_cast<QMessageBox*>(box)->text(), QString("Are you sure you want to clear the editor ?"));
+      clickButton(box, QMessageBox::No);
+    });
+    f.editor->action("actClear")->trigger();
+    QCOMPARE(f.memo()->text(), QString("keep me"));
+    whenModal([](QWidget* box) { clickButton(box, QMessageBox::Yes); });
+    f.editor->action("actClear")->trigger();
+    QCOMPARE(f.memo()->text(), QString());
+    f.memo()->setText("gone without asking");
+    f.editor->action("actClearScript")->trigger();
+    QCOMPARE(f.memo()->text(), QString());
+
+    const QString file = QString::fromStdString((folder_ / "Script.SQL").string());
+    f.memo()->setText("select 'é';\n");
+    QVERIFY(f.editor->saveToFile(file));
+    TformSQLEditor other(TSqlEditorContext(*f.session, f.settings));
+    QVERIFY(other.loadFile(file));
+    QCOMPARE(other.frame()->memo()->text(), QString("select 'é';\n"));
+    QCOMPARE(other.property("fileName").toString(), file);
+    QVERIFY(!other.loadFile(file + ".missing"));
+  }
+
+  void stopInterruptsTheServer() {
+    Fixture f(folder_);
+    QElapsedTimer sinceStop;
+    QTimer::singleShot(800, [&] {
+      QVERIFY(f.editor->action("actStop")->isEnabled());
+      sinceStop.start();
+      f.editor->action("actStop")->trigger();
+    });
+    f.run("actRun", "SELECT SLEEP(30)");
+    QVERIFY(sinceStop.isValid());
+    QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
+    QVERIFY(!f.editor->action("actStop")->isEnabled());
+    auto side = test::connect();
+    QCOMPARE(test::scalar(*side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"),
+             std::string("0"));
+    QVERIFY(f.sent.contains(QString("KILL QUERY %1").arg(f.session->ThreadId())) || f.sent.size() == 1);
+  }
+
+  void treePaneFollowsItsOption() {
+    Fixture f(folder_);
+    f.settings.write(opt::SqlTreeEnable, false);
+    TformSQLEditor closed(TSqlEditorContext(*f.session, f.settings));
+    QVERIFY(!closed.frame()->treeVisible());
+    closed.frame()->memo()->setText("select 1");
+    closed.action("actSyntaxTree")->setChecked(true);
+    QCOMPARE(closed.frame()->tree()->topLevelItemCount(), 1);
+    QVERIFY(f.settings.read(opt::SqlTreeEnable));
+    closed.frame()->action("actCloseTree")->trigger();
+    QVERIFY(!f.settings.read(opt::SqlTreeEnable));
+    QVERIFY(!closed.action("actSyntaxTree")->isChecked());
+  }
+
+  void renderedEditor() {
+    Fixture f(folder_, "lomarin_demo");
+    f.run("actRun",
+          "-- shipped orders by customer\nSELECT c.first_name, c.last_name, count(o.order_id) AS orders\n"
+          "FROM customers c JOIN orders o ON o.customer_id = c.customer_id\nWHERE o.status = 'shipped'\n"
+          "GROUP BY c.customer_id ORDER BY orders DESC LIMIT 20;");
+    QVERIFY(f.errors.isEmpty());
+    f.editor->frame()->refreshTree();
+    QCOMPARE(f.editor->results()->count(), 1);
+    const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
+    if (!dir.isEmpty()) f.editor->grab().save(QString::fromUtf8(dir) + "/sql_editor.png");
+  }
+};
+
+LOMARIN_UI_TEST(SqlEditorTest)
+
+}  // namespace
+
+#include "sql_editor_test.moc"
