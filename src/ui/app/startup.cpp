@@ -36,22 +36,28 @@ void connectAccount(Tformppal& window, SettingsStore& settings, const QString& n
 }  // namespace
 
 int runLomarin(int argc, char** argv) {
-  LomarinApplication app(argc, argv);
   QCommandLineParser parser;
-  parser.setApplicationDescription(app.applicationName());
-  parser.addHelpOption();
+  parser.setApplicationDescription(QString::fromUtf8(kProductTitle.data(), kProductTitle.size()));
+  const QCommandLineOption helpOption = parser.addHelpOption();
   const QCommandLineOption connectOption("connect", QObject::tr("Connect with the stored account ACCOUNT."),
                                          "ACCOUNT");
   parser.addOption(connectOption);
   parser.addPositionalArgument("file", QObject::tr("A file to open."), "[file]");
-  parser.process(app);
-  const QString file = parser.positionalArguments().value(0);
   const QString socketFolder = instance::socketFolder();
-
-  if (!file.isEmpty()) {
-    if (auto running = findRunningInstance(socketFolder)) return running->openFile(file) ? 0 : 1;
+  {
+    // The hand-off needs no window system: a process that only passes a file on creates nothing else.
+    // Qt's own options (-platform ...) are only known once the GUI application has taken them.
+    QCoreApplication handOff(argc, argv);
+    if (parser.parse(handOff.arguments()) && parser.isSet(helpOption)) parser.showHelp();
+    const QString file = parser.positionalArguments().value(0);
+    if (!file.isEmpty()) {
+      if (auto running = findRunningInstance(socketFolder)) return running->openFile(file) ? 0 : 1;
+    }
   }
 
+  LomarinApplication app(argc, argv);
+  parser.process(app);
+  const QString file = parser.positionalArguments().value(0);
   std::unique_ptr<SettingsStore> settings;
   try {
     settings = std::make_unique<SettingsStore>(SettingsStore::defaultFile());

@@ -63,6 +63,12 @@ class InstanceHandoffTest : public QObject {
 
     const QString file = writeFile(fresh.dir.path(), "handed.txt", "handed over\n");
     SecondProcess second(fresh.dir.path());
+    // It needs no window system: with one it cannot reach it would fail at once.
+    QProcessEnvironment env = second.process.processEnvironment();
+    env.insert("QT_QPA_PLATFORM", "xcb");
+    env.remove("DISPLAY");
+    env.remove("WAYLAND_DISPLAY");
+    second.process.setProcessEnvironment(env);
     second.process.setArguments({file});
     second.process.start();
     // The sender ends only once the file is open here.
