@@ -17,6 +17,9 @@ using dataview::TRecord;
 namespace {
 
 constexpr int kFetchBatch = 1000;
+// A view that keeps reaching the end gets ever larger batches, so scrolling through a big
+// result costs a few dozen repaints instead of one per thousand rows.
+constexpr int kMaxFetchBatch = 1 << 17;
 // Binary cells show this many bytes as hex; the editor gets them all.
 constexpr size_t kShownBinaryBytes = 64;
 
@@ -52,6 +55,7 @@ void TDataModel::resetState() {
   writer_ = std::make_unique<dataview::TRowWriter>(std::vector<TMyField>{}, "");
   writerReady_ = false;
   maybeEditable_ = false;
+  fetchBatch_ = kFetchBatch;
 }
 
 void TDataModel::open(const std::string& sql, bool fetchAll) {
@@ -118,7 +122,8 @@ bool TDataModel::canFetchMore(const QModelIndex& parent) const { return !parent.
 
 void TDataModel::fetchMore(const QModelIndex& parent) {
   if (parent.isValid() || !query_) return;
-  const size_t wanted = static_cast<size_t>(shownSourceRows_) + kFetchBatch;
+  const size_t wanted = static_cast<size_t>(shownSourceRows_) + static_cast<size_t>(fetchBatch_);
+  fetchBatch_ = std::min(fetchBatch_ * 2, kMaxFetchBatch);
   if (query_->RecordCount() < wanted && !query_->Eof()) query_->MoveTo(wanted - 1);
   const int available = static_cast<int>(std::min(query_->RecordCount(), wanted));
   if (available == shownSourceRows_) return;

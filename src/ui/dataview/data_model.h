@@ -89,6 +89,7 @@ class TDataModel : public QAbstractTableModel {
   bool writerReady_ = false;
   bool maybeEditable_ = false;
   int shownSourceRows_ = 0;
+  int fetchBatch_ = 0;
   QString keyColumn_;
   std::vector<size_t> deleted_;                       // sorted source rows removed on the server
   std::map<size_t, dataview::TRecord> confirmed_;     // source rows as last written
