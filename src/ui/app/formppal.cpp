@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDir>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -321,7 +320,7 @@ WindowLayout Tformppal::layout() const {
   layout.mruList = QString::fromStdString(mru_.toText());
   for (std::string_view name : toolbarNames()) {
     const QToolBar* bar = actions_->toolbar(name);
-    layout.toolbarDocks.insert(bar->objectName(), toolBarArea(const_cast<QToolBar*>(bar)));
+    layout.toolbarDocks.insert(bar->objectName(), toolBarArea(bar));
   }
   return layout;
 }
