@@ -77,6 +77,10 @@ std::string ReplaceLimitLine(std::string_view sql, std::string_view clause) {
   return JoinLines(lines);
 }
 
+std::string ValueCondition(std::string_view column, std::string_view literal) {
+  return BackQuote(column) + (literal == "NULL" ? " IS NULL" : " = " + std::string(literal));
+}
+
 std::string WhereLineFor(std::string_view condition) {
   return condition.empty() ? std::string() : " where  " + std::string(condition);
 }

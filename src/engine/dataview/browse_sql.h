@@ -28,6 +28,10 @@ std::string JoinLines(const std::vector<std::string>& lines);
 // Every line containing "LIMIT" (case-sensitive) becomes `clause`; with none, `clause` is appended.
 std::string ReplaceLimitLine(std::string_view sql, std::string_view clause);
 
+// The filter condition for one value picked from a column's value list: "`c` = literal", or
+// "`c` IS NULL" when the literal is NULL.
+std::string ValueCondition(std::string_view column, std::string_view literal);
+
 // " where  " + condition, or empty for an empty condition.
 std::string WhereLineFor(std::string_view condition);
 // Puts the filter line in second place (appending it to a one-line statement); when the limit is

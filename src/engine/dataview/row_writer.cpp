@@ -94,16 +94,16 @@ void TRowWriter::requireEditable() const {
 
 std::string TRowWriter::qualifiedTable() const { return BackQuote(database_) + "." + BackQuote(table_); }
 
-std::string TRowWriter::Literal(size_t column, const TCellValue& value) const {
+std::string SqlLiteral(const TMyField& field, const TCellValue& value,
+                       const std::function<std::string(std::string_view)>& escape) {
   if (value.null) return "NULL";
-  const TMyField& field = fields_.at(column);
   if (IsBinaryField(field)) return hexLiteral(value.bytes);
   if (IsNumberField(field)) {
     if (!isNumberText(value.bytes))
       throw std::invalid_argument("'" + value.bytes + "' is not a valid number for column " + BackQuote(field.Name));
     return value.bytes;
   }
-  return "'" + escape_(value.bytes) + "'";
+  return "'" + escape(value.bytes) + "'";
 }
 
 std::string TRowWriter::whereKey(const TRecord& before) const {

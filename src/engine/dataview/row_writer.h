@@ -43,6 +43,12 @@ struct TBaseTableRef {
 };
 TBaseTableRef BaseTableOf(const std::vector<TMyField>& fields);
 
+// The value as an SQL literal for the column: NULL, X'..' for binary data, the digits as they
+// stand for numbers (never through a floating-point type), else a quoted string escaped by
+// `escape`. Throws std::invalid_argument for a number column given text that is no number.
+std::string SqlLiteral(const TMyField& field, const TCellValue& value,
+                       const std::function<std::string(std::string_view)>& escape);
+
 // Builds the statements that write grid rows back to their table, identifying a row by its
 // primary key, else by the first unique key over NOT NULL columns the result holds all of. A
 // result without one is read-only: an UPDATE that could touch several rows loses data.
@@ -69,10 +75,9 @@ class TRowWriter {
   // Counts the rows the key of `before` matches.
   std::string CountSQL(const TRecord& before) const;
 
-  // The value as an SQL literal for the column: NULL, X'..' for binary data, the digits as they
-  // stand for numbers (never through a floating-point type), else a quoted, escaped string.
-  // Throws std::invalid_argument for a number column given text that is no number.
-  std::string Literal(size_t column, const TCellValue& value) const;
+  std::string Literal(size_t column, const TCellValue& value) const {
+    return SqlLiteral(fields_.at(column), value, escape_);
+  }
 
  private:
   std::string qualifiedTable() const;

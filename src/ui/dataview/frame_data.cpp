@@ -313,6 +313,10 @@ void TframeData::EnableCxGridSort() {
 
 void TframeData::EnableFilter() {
   connect(edtFilter_, &QLineEdit::returnPressed, this, &TframeData::applyFilterLine, Qt::UniqueConnection);
+  QHeaderView* header = grid_->horizontalHeader();
+  header->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(header, &QHeaderView::customContextMenuRequested, this, &TframeData::showFilterValues,
+          Qt::UniqueConnection);
 }
 
 void TframeData::applyFilterLine() { ApplyFilter(edtFilter_->text()); }

@@ -68,6 +68,10 @@ class TframeData : public QWidget {
 
   // Applies a server-side filter condition; empty removes the filter.
   bool ApplyFilter(const QString& condition);
+  // The distinct values of a column as literals (at most `limit`), for its filter drop-down.
+  std::vector<std::pair<QString, std::string>> FilterValues(int column, int limit);
+  // Filters on one value taken from FilterValues.
+  bool FilterOnValue(int column, const std::string& literal);
   // Orders by the given column (toggling ASC/DESC on a second click); false for BLOB/memo columns.
   bool SortByColumn(int column);
 
@@ -111,6 +115,7 @@ class TframeData : public QWidget {
   void setPagingEnabled(bool enabled);
   void onActiveToggled(bool active);
   void applyFilterLine();
+  void showFilterValues(const QPoint& pos);
   void onLimitSettings();
   void updateRecordIndicator();
   void reportError(const QString& message, bool serverError);

@@ -2,7 +2,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QTableView>
@@ -11,6 +13,9 @@
 #include <numeric>
 
 #include "engine/app/data_folder.h"
+#include "engine/connect/escape.h"
+#include "engine/dataview/field_kinds.h"
+#include "engine/dataview/row_writer.h"
 #include "engine/connect/my_query.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/frame_data.h"
@@ -161,6 +166,49 @@ void TframeData::PostRecord() {
 
 void TframeData::LoadAllRecords() {
   if (confirmLoadAll()) model_->fetchAll();
+}
+
+std::vector<std::pair<QString, std::string>> TframeData::FilterValues(int column, int limit) {
+  std::vector<std::pair<QString, std::string>> values;
+  const auto& fields = model_->fields();
+  if (TableName.empty() || column < 0 || column >= static_cast<int>(fields.size())) return values;
+  const TMyField& field = fields[static_cast<size_t>(column)];
+  if (dataview::IsBlobOrMemoField(field)) return values;
+  try {
+    TMyQuery query(session_);
+    query.SQL = dataview::DistinctValuesSQL(dataview::BackQuote(field.Name), TableName);
+    query.UniDirectional = true;
+    query.Open();
+    auto escape = [this](std::string_view text) { return EscapeString(session_, text); };
+    while (static_cast<int>(values.size()) < limit && query.Next()) {
+      const dataview::TCellValue value{query.IsNull(0), query.IsNull(0) ? std::string() : std::string(query.Value(0))};
+      const QString shown = value.null ? QStringLiteral("(NULL)") : QString::fromStdString(value.bytes);
+      values.emplace_back(shown, dataview::SqlLiteral(field, value, escape));
+    }
+  } catch (const ServerError& error) {
+    reportError(QString::fromStdString(error.message()), true);
+  }
+  return values;
+}
+
+bool TframeData::FilterOnValue(int column, const std::string& literal) {
+  const std::string condition = dataview::ValueCondition(model_->fields().at(static_cast<size_t>(column)).Name, literal);
+  edtFilter_->setText(QString::fromStdString(condition));
+  return ApplyFilter(edtFilter_->text());
+}
+
+void TframeData::showFilterValues(const QPoint& pos) {
+  const int column = grid_->horizontalHeader()->logicalIndexAt(pos);
+  constexpr int kShownValues = 50;
+  const auto values = FilterValues(column, kShownValues);
+  if (values.empty()) return;
+  QMenu menu(this);
+  menu.setObjectName("mnuFilterValues");
+  for (const auto& [shown, literal] : values) {
+    QAction* action = menu.addAction(shown);
+    connect(action, &QAction::triggered, this, [this, column, l = literal] { FilterOnValue(column, l); });
+  }
+  menu.exec(grid_->horizontalHeader()->mapToGlobal(pos));
 }
 
 void TframeData::ShowRecordCount() {

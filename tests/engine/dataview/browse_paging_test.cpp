@@ -87,6 +87,8 @@ TEST(BrowseSQL, NamesCaptionsAndFixedStatements) {
   EXPECT_EQ(TableWindowCaption("`v`", true), "VIEW [ `V` ]");
   EXPECT_EQ(RowCountSQL("`t`"), "Select count(*)  From `t`");
   EXPECT_EQ(DistinctValuesSQL("city", "`t`"), "Select DISTINCT city From `t`");
+  EXPECT_EQ(ValueCondition("ci`ty", "'O\\'Hare'"), "`ci``ty` = 'O\\'Hare'");
+  EXPECT_EQ(ValueCondition("city", "NULL"), "`city` IS NULL");
 }
 
 TEST(BrowseSQL, LimitLineIsReplacedWhereverLimitAppears) {

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
+#include <algorithm>
 
 #include "dataview_fixture.h"
 #include "ui/dataview/data_model.h"
@@ -126,6 +127,31 @@ class TablePagingTest : public QObject {
     QCOMPARE(f.serverErrors.size(), size_t(1));
     QCOMPARE(frame->model()->rowCount(), 4);
     QCOMPARE(frame->WhereLine, std::string(" where  customer_id < 5"));
+  }
+
+  void filterValueListsFilterOnOneValue() {
+    test::DataviewFixture f;
+    TframeData* frame =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false)->frameData();
+    f.takeStatements();
+    const auto parents = frame->FilterValues(1, 50);
+    QCOMPARE(f.takeStatements(), (Statements{"Select DISTINCT `parent_id` From `categories`"}));
+    const auto nullEntry = std::find_if(parents.begin(), parents.end(), [](const auto& v) { return v.second == "NULL"; });
+    QVERIFY(nullEntry != parents.end());
+    QCOMPARE(nullEntry->first, QString("(NULL)"));
+    QVERIFY(frame->FilterOnValue(1, "NULL"));
+    QCOMPARE(f.lastStatement(), std::string("select * from `categories`\n where  `parent_id` IS NULL\nLIMIT 0,100"));
+    const int roots = frame->model()->rowCount();
+    QVERIFY(roots > 0);
+
+    const auto names = frame->FilterValues(2, 50);
+    const auto coffee = std::find_if(names.begin(), names.end(), [](const auto& v) { return v.first == "Coffee & Tea"; });
+    QVERIFY(coffee != names.end());
+    QVERIFY(frame->FilterOnValue(2, coffee->second));
+    QCOMPARE(f.lastStatement(), std::string("select * from `categories`\n where  `name` = 'Coffee & Tea'\nLIMIT 0,100"));
+    QCOMPARE(frame->model()->rowCount(), 1);
+    // No value list for memo columns.
+    QVERIFY(frame->FilterValues(3, 50).empty());
   }
 
   void activeBoxAndLimitSettingsRestartPaging() {
