@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialog>
+#include <QDir>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QSpinBox>
@@ -175,6 +176,7 @@ class TablePagingTest : public QObject {
       QDialog* dialog = nullptr;
       QTRY_VERIFY((dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) != nullptr);
       QCOMPARE(dialog->windowTitle(), QString("Limit settings"));
+      dialog->grab().save(QDir::temp().filePath("dataview_limit_settings.png"));
       dialog->findChild<QSpinBox*>("speLimit")->setValue(60);
       dialog->findChild<QSpinBox*>("speIncrement")->setValue(30);
       dialog->findChild<QAbstractButton*>("btnOk")->click();

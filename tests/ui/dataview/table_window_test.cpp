@@ -104,8 +104,12 @@ class TableWindowTest : public QObject {
     window->parentWidget()->showMaximized();
     QCOMPARE(window->frameData()->model()->rowCount(), 100);
     QCOMPARE(window->frameData()->Paging().LastPageStart(), int64_t(100000));
-    const QString file = QDir::temp().filePath("dataview_order_items.png");
-    QVERIFY(f.area.grab().save(file));
+    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_order_items.png")));
+    auto* pages = window->frameData()->findChild<QTabWidget*>("pgcData");
+    pages->setCurrentIndex(1);
+    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_order_items_form.png")));
+    window->tabs()->setCurrentIndex(1);
+    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_order_items_columns.png")));
   }
 };
 
