@@ -176,6 +176,7 @@ void TMyQuery::Execute() {
 
 void TMyQuery::Close() {
   if (d->holdsConnection()) d->dropRest();
+  d->leaveConnection();
   d->active = false;
   d->fields.clear();
   d->rows.reset(0);
@@ -252,7 +253,10 @@ bool TMyQuery::NextResult() {
     mysql_free_result(d->result);
     d->result = nullptr;
   }
-  if (!d->morePending) return false;
+  if (!d->morePending) {
+    d->leaveConnection();
+    return false;
+  }
   const int status = mysql_next_result(d->session().mysql);
   d->morePending = status == 0;
   d->checkNextResult(status);

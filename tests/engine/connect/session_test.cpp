@@ -133,6 +133,27 @@ TEST(Session, BadLoginAndUnreachableServerReportTheClientError) {
   EXPECT_THROW(query.Open(), ServerError);
 }
 
+TEST(Session, StreamedMultiResultQueryReleasesTheSessionAfterItsLastResult) {
+  auto session = test::connect();
+  {
+    TMyConnection::MultiStatements multi(*session);
+    {
+      TMyQuery query(*session);
+      query.SQL = "SELECT 1 UNION SELECT 2; SELECT 3";
+      query.UniDirectional = true;
+      query.FetchAll = false;
+      query.Open();
+      ASSERT_TRUE(query.Next());  // the second row stays unread
+      ASSERT_TRUE(query.NextResult());
+      ASSERT_TRUE(query.Next());
+      EXPECT_EQ(query.Value(0), "3");
+      EXPECT_FALSE(query.NextResult());
+    }
+    EXPECT_TRUE(ExecSQLText(*session, "DO 1"));
+  }
+  EXPECT_EQ(test::scalar(*session, "SELECT 4"), "4");
+}
+
 TEST(Session, MySQLinfoNamesServerClientAndCharset) {
   auto session = test::connect();
   EXPECT_EQ(session->GetMySQLinfo(), "MySQL Server   " + session->ServerVersion() + "\nMySQL Client   " +
