@@ -143,11 +143,7 @@ void Tformppal::registerHandlers() {
   a.setHandler("actObjectNavigator", [this] { paneSideBar_->setVisible(!paneSideBar_->isVisible()); });
   a.setHandler("actOutPut", [this] { paneOut_->setVisible(!paneOut_->isVisible()); });
   a.setHandler("actClear", [this] { memOutput_->clear(); });
-  a.setHandler("actchangedatabase", [this] {
-    TformSelectDatabase dialog(MySqlSession, this);
-    if (dialog.exec() == QDialog::Accepted && !dialog.selectedDatabase().isEmpty())
-      useDatabase(dialog.selectedDatabase());
-  });
+  a.setHandler("actchangedatabase", [this] { askForDatabase(); });
   for (const FlushCommand& flush : flushCommands()) {
     a.setHandler(flush.action, [this, statement = flush.statement] {
       WaitCursor wait;
@@ -241,10 +237,14 @@ void Tformppal::rebuildRecentMenu() {
 
 bool Tformppal::currentdb() {
   if (!MySqlSession.Connected() || !MySqlSession.CurrentDatabase().empty()) return true;
+  askForDatabase();
+  return false;
+}
+
+void Tformppal::askForDatabase() {
   TformSelectDatabase dialog(MySqlSession, this);
   if (dialog.exec() == QDialog::Accepted && !dialog.selectedDatabase().isEmpty())
     useDatabase(dialog.selectedDatabase());
-  return false;
 }
 
 void Tformppal::useDatabase(const QString& database) {

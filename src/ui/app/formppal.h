@@ -84,6 +84,7 @@ class Tformppal : public QMainWindow {
   QWidget* openTextEditor(const QString& fileName);
 
   void connectToggle();
+  void askForDatabase();
   void useDatabase(const QString& database);
   void onAfterConnect();
   void onBeforeDisconnect();
