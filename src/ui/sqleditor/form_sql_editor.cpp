@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QSaveFile>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -189,9 +190,27 @@ void TformSQLEditor::changeEvent(QEvent* event) {
 bool TformSQLEditor::loadFile(const QString& fileName) {
   QFile file(fileName);
   if (!file.open(QIODevice::ReadOnly)) return false;
-  const QByteArray bytes = file.readAll();
-  frame_->memo()->setText(QString::fromUtf8(bytes));
-  frame_->memo()->setModified(false);
+  // The file goes into the memo in pieces, the last first, each inserted at the start: a piece
+  // added further on would cost time in proportion to all the text before it. Loading is no
+  // undo step.
+  constexpr qint64 kPiece = 4 << 20;
+  QsciScintilla* memo = frame_->memo();
+  const QSignalBlocker quiet(memo);
+  memo->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, false);
+  memo->SendScintilla(QsciScintillaBase::SCI_CLEARALL);
+  memo->SendScintilla(QsciScintillaBase::SCI_ALLOCATE, static_cast<unsigned long>(file.size()) + 1);
+  QByteArray piece(static_cast<qsizetype>(std::min(kPiece, file.size())), '\0');
+  for (qint64 end = file.size(); end > 0;) {
+    const qint64 start = std::max<qint64>(0, end - kPiece);
+    if (!file.seek(start) || file.read(piece.data(), end - start) != end - start) return false;
+    memo->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION, 0UL);
+    memo->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, static_cast<unsigned long>(end - start), piece.constData());
+    end = start;
+  }
+  memo->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, true);
+  memo->SendScintilla(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
+  memo->SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0);
+  memo->setModified(false);
   fileName_ = QFileInfo(fileName).absoluteFilePath();
   setWindowTitle("SQL editor - " + QFileInfo(fileName).fileName());
   return true;

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -275,6 +276,24 @@ class SqlEditorTest : public QObject {
     QCOMPARE(other.frame()->memo()->text(), QString("select 'é';\n"));
     QCOMPARE(other.property("fileName").toString(), file);
     QVERIFY(!other.loadFile(file + ".missing"));
+
+    // A file of several read pieces comes back whole: characters and CR LF across piece ends.
+    QByteArray large;
+    for (int i = 0; large.size() < 9 * 1024 * 1024 + 7; ++i)
+      large += "insert into t values (" + QByteArray::number(i) + ", 'żółw é 美');\r\n";
+    large += QByteArray("tail\0end", 8);
+    QFile out(file);
+    QVERIFY(out.open(QIODevice::WriteOnly) && out.write(large) == large.size());
+    out.close();
+    QVERIFY(other.loadFile(file));
+    QsciScintilla* memo = other.frame()->memo();
+    QCOMPARE(memo->length(), static_cast<int>(large.size()));
+    QByteArray loaded(large.size() + 1, '\0');
+    memo->SendScintilla(QsciScintillaBase::SCI_GETTEXT, static_cast<unsigned long>(loaded.size()), loaded.data());
+    loaded.chop(1);
+    QVERIFY(loaded == large);
+    QVERIFY(!memo->isModified());
+    QVERIFY(!memo->isUndoAvailable());
   }
 
   void stopInterruptsTheServer() {
