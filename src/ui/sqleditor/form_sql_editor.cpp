@@ -172,8 +172,8 @@ void TformSQLEditor::setStatusText(const QString& text) { panels_[4]->setText(te
 void TformSQLEditor::updateConnected() {
   const bool connected = ctx_.Session.Connected();
   for (const char* name : {"actRun", "actRunScript", "actRunCurrentSQL", "actExplain"})
-    action(name)->setEnabled(connected && !queryRunning_);
-  action("TBItem8")->setEnabled(connected && !queryRunning_);
+    action(name)->setEnabled(connected && !running_);
+  action("TBItem8")->setEnabled(connected && !running_);
 }
 
 void TformSQLEditor::applyOptions() {
@@ -248,7 +248,7 @@ bool TformSQLEditor::CheckSave() {
 
 void TformSQLEditor::closeEvent(QCloseEvent* event) {
   // A request still on the server keeps the session; the window waits for it.
-  if (queryRunning_ || !CheckSave()) {
+  if (running_ || !CheckSave()) {
     event->ignore();
     return;
   }

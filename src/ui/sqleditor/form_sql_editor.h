@@ -111,7 +111,8 @@ class TformSQLEditor : public QWidget {
   std::string scriptErrors_;
   std::string formatterSource_;
   QString fileName_;
-  bool queryRunning_ = false;
+  // A query or script is on its way; runningThread_ is the session a query runs on.
+  bool running_ = false;
   unsigned long runningThread_ = 0;
   int firstRowCount_ = 0;
 

@@ -178,7 +178,6 @@ void TframeecSQL::setErrorLine(int line) {
 }
 
 void TframeecSQL::markExecuted(int line) {
-  executedLine_ = line;
   memo_->markerDeleteAll(kExecutedMarker);
   if (line >= 0) memo_->markerAdd(line, kExecutedMarker);
 }

@@ -77,7 +77,6 @@ class TframeecSQL : public QWidget {
   TSqlCompleter* completer_;
   std::unique_ptr<TMemoCommands> commands_;
   int errorLine_ = -1;
-  int executedLine_ = -1;
   bool markingEnabled_ = false;
 };
 

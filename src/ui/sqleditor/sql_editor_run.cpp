@@ -105,7 +105,7 @@ void TformSQLEditor::addToHistory(const std::string& text) {
 }
 
 void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
-  if (queryRunning_) return;
+  if (running_) return;
   if (recordHistory) addToHistory(text);
   const auto t0 = std::chrono::steady_clock::now();
   std::string sql = text;
@@ -143,7 +143,7 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
 }
 
 void TformSQLEditor::RunEditorScript() {
-  if (!askCurrentDb() || queryRunning_) return;
+  if (!askCurrentDb() || running_) return;
   DetachedSessionHandlers detached(ctx_.Session);
   TMyScript& script = *myScript_;
   script.SQL = frame_->selectionOrText().toStdString();
@@ -152,6 +152,8 @@ void TformSQLEditor::RunEditorScript() {
   frame_->setErrorLine(-1);
   addToHistory(script.SQL);
   const auto t0 = std::chrono::steady_clock::now();
+  // The runner interrupts its own statements; Stop has no query of its own to kill.
+  runningThread_ = 0;
   setRunning(true);
   try {
     RunScriptWithProgress(script, this, "Run SQL Script");
@@ -166,7 +168,7 @@ void TformSQLEditor::RunEditorScript() {
 
 void TformSQLEditor::Stop() {
   myScript_->BreakExec();
-  if (!queryRunning_ || runningThread_ == 0) return;
+  if (!running_ || runningThread_ == 0) return;
   try {
     KillQuery(ctx_.Session.Settings, runningThread_);
   } catch (const ServerError& error) {
@@ -175,7 +177,7 @@ void TformSQLEditor::Stop() {
 }
 
 void TformSQLEditor::setRunning(bool running) {
-  queryRunning_ = running;
+  running_ = running;
   action("actStop")->setEnabled(running);
   updateConnected();
 }

@@ -24,6 +24,7 @@
 #include "test_server.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
+#include "ui/sqleditor/memo_commands.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -294,6 +295,73 @@ class SqlEditorTest : public QObject {
     QVERIFY(loaded == large);
     QVERIFY(!memo->isModified());
     QVERIFY(!memo->isUndoAvailable());
+  }
+
+  void memoCommands() {
+    Fixture f(folder_);
+    QsciScintilla* memo = f.memo();
+    TMemoCommands* commands = f.editor->frame()->commands();
+    memo->setText("select B;\nselect a;\n  select c;");
+    memo->setCursorPosition(1, 0);
+    commands->toggleBookmark(3);
+    QCOMPARE(commands->bookmarkLine(3), 1);
+    memo->setCursorPosition(2, 0);
+    commands->toggleBookmark(3);  // a bookmark moves to the line it is set on
+    QCOMPARE(commands->bookmarkLine(3), 2);
+    commands->toggleBookmark(3);
+    QCOMPARE(commands->bookmarkLine(3), -1);
+    memo->setCursorPosition(1, 0);
+    commands->toggleBookmark(0);
+    memo->setCursorPosition(2, 3);
+    commands->gotoBookmark(0);
+    int line = 0, index = 0;
+    memo->getCursorPosition(&line, &index);
+    QCOMPARE(line, 1);
+
+    memo->setSelection(0, 0, 2, 0);
+    f.editor->action("actCommentLines")->trigger();
+    QCOMPARE(memo->text(), QString("-- select B;\n-- select a;\n  select c;"));
+    memo->setSelection(0, 0, 2, 3);
+    f.editor->action("actUncommentLines")->trigger();
+    QCOMPARE(memo->text(), QString("select B;\nselect a;\n  select c;"));
+
+    memo->setSelection(0, 0, 0, 9);
+    f.editor->action("actToggleCase")->trigger();
+    QCOMPARE(memo->text(0), QString("SELECT b;\n"));
+    f.editor->action("actLowerCase")->trigger();
+    QCOMPARE(memo->selectedText(), QString("select b;"));
+    memo->setSelection(0, 0, 0, 0);
+    f.editor->action("actSortDescending")->trigger();
+    QCOMPARE(memo->text(), QString("select b;\nselect a;\n  select c;"));
+    f.editor->action("actSortAscending")->trigger();
+    QCOMPARE(memo->text(), QString("  select c;\nselect a;\nselect b;"));
+
+    f.editor->action("actReplace")->trigger();
+    auto* find = f.editor->findChild<QLineEdit*>("edtFind");
+    QVERIFY(find->isVisible() && f.editor->findChild<QLineEdit*>("edtReplace")->isVisible());
+    find->setText("select");
+    f.editor->findChild<QLineEdit*>("edtReplace")->setText("SELECT");
+    QCOMPARE(commands->replaceAll(), 3);
+    QCOMPARE(memo->text(), QString("  SELECT c;\nSELECT a;\nSELECT b;"));
+    memo->undo();
+    QCOMPARE(memo->text(), QString("  select c;\nselect a;\nselect b;"));
+
+    const QString html = QString::fromStdString((folder_ / "out.html").string());
+    commands->exportHtml(html);
+    QFile page(html);
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    QVERIFY(page.readAll().contains("<span class=\"k\">select</span>"));
+
+    // With marking on, a double-click marks every whole occurrence of the word.
+    f.editor->frame()->setObjectMarking(true);
+    memo->setText("orders o, orders2, orders");
+    emit memo->SCN_DOUBLECLICK(2, 0, 0);
+    auto marked = [&](int position) {
+      return memo->SendScintilla(QsciScintillaBase::SCI_INDICATORVALUEAT, 8, position) != 0;
+    };
+    QVERIFY(marked(0) && marked(22) && !marked(11));
+    emit memo->SCN_DOUBLECLICK(8, 0, 0);  // on the blank: marking off
+    QVERIFY(!marked(0) && !marked(22));
   }
 
   void stopInterruptsTheServer() {
