@@ -1,3 +1,6 @@
 #include "ui/app/startup.h"
+#include "ui/transfer/transfer_commands.h"
 
-int main(int argc, char** argv) { return lomarin::ui::runLomarin(argc, argv); }
+int main(int argc, char** argv) {
+  return lomarin::ui::runLomarin(argc, argv, {lomarin::ui::installTransferCommands});
+}

@@ -35,7 +35,7 @@ void connectAccount(Tformppal& window, SettingsStore& settings, const QString& n
 
 }  // namespace
 
-int runLomarin(int argc, char** argv) {
+int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& features) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QString::fromUtf8(kProductTitle.data(), kProductTitle.size()));
   const QCommandLineOption helpOption = parser.addHelpOption();
@@ -67,6 +67,7 @@ int runLomarin(int argc, char** argv) {
   }
 
   Tformppal window(*settings);
+  for (const auto& install : features) install(window);
   app.setErrorHandler([&window](const std::exception& error) { window.showUnhandledError(error); });
 
   QString problem;

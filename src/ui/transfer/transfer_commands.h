@@ -1,0 +1,10 @@
+#pragma once
+
+namespace lomarin::ui {
+
+class Tformppal;
+
+// The database export commands of the main window.
+void installTransferCommands(Tformppal& window);
+
+}  // namespace lomarin::ui
