@@ -18,7 +18,6 @@ class TDataCard : public QScrollArea {
   // Builds one field per column of the current result.
   void rebuild();
   void showRow(int row);
-  int row() const { return row_; }
 
  private:
   TDataModel* model_;

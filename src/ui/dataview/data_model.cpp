@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFont>
 #include <algorithm>
+#include <cctype>
 
 #include "engine/dataview/exporters.h"
 #include "engine/dataview/field_kinds.h"
@@ -79,12 +80,6 @@ void TDataModel::open(const std::string& sql, bool fetchAll) {
   endResetModel();
 }
 
-void TDataModel::close() {
-  beginResetModel();
-  resetState();
-  endResetModel();
-}
-
 const dataview::TRowWriter& TDataModel::writer() {
   if (!writerReady_ && query_) {
     writer_ = std::make_unique<dataview::TRowWriter>(dataview::RowWriterFor(session_, query_->Fields(), &tableInfo_));
@@ -92,8 +87,6 @@ const dataview::TRowWriter& TDataModel::writer() {
   }
   return *writer_;
 }
-
-bool TDataModel::isOpen() const { return query_ != nullptr; }
 
 const std::vector<TMyField>& TDataModel::fields() const {
   static const std::vector<TMyField> none;

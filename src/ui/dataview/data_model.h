@@ -26,10 +26,8 @@ class TDataModel : public QAbstractTableModel {
   // Sends the statement and shows its first rows (all of them with fetchAll). Throws ServerError;
   // the model is then empty.
   void open(const std::string& sql, bool fetchAll);
-  void close();
   // The next open describes the base table again (after its structure may have changed).
   void forgetTable() { tableInfo_.reset(); }
-  bool isOpen() const;
   const std::vector<TMyField>& fields() const;
   // Describing the base table sends statements, which reads the rest of the result first: it is
   // done at open only when the whole result is in, otherwise at the first edit.

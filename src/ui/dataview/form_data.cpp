@@ -32,7 +32,7 @@ QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static
 }  // namespace
 
 TformData::TformData(TMyConnection& session, SettingsStore& settings, const std::string& database,
-                     const std::string& table, bool isView, bool sshTunnel, QWidget* parent)
+                     const std::string& table, bool isView, QWidget* parent)
     : QWidget(parent), session_(session), database_(database), table_(table), isView_(isView) {
   setObjectName("TformData");
   setAttribute(Qt::WA_DeleteOnClose);
@@ -43,13 +43,11 @@ TformData::TformData(TMyConnection& session, SettingsStore& settings, const std:
   tabs_ = new QTabWidget(this);
   tabs_->setObjectName("pgcTable");
   frame_ = new TframeData(session, settings, tabs_);
-  frame_->SshTunnel = sshTunnel;
   frame_->BaseSQL = dataview::BrowseSQL(name);
   frame_->TableName = name;
   if (isView) frame_->ViewTableName = table;
   if (!isView) frame_->EnableLimit();
   frame_->IsTable = !isView;
-  frame_->BestFit = settings.read(opt::ColumnsBestFit);
   tabs_->addTab(frame_, tr("&Data"));
 
   columns_ = listTable(tabs_, "grdColumns");
@@ -178,7 +176,7 @@ void TformData::RefreshData(const std::string& database, const std::string& tabl
 }
 
 TformData* openTableWindow(QMdiArea* area, TMyConnection& session, SettingsStore& settings,
-                           const std::string& database, const std::string& table, bool isView, bool sshTunnel) {
+                           const std::string& database, const std::string& table, bool isView) {
   const QString name = QString::fromStdString(dataview::TableWindowName(database, table, session.CurrentDatabase()));
   for (QMdiSubWindow* sub : area->subWindowList()) {
     auto* open = qobject_cast<TformData*>(sub->widget());
@@ -187,10 +185,12 @@ TformData* openTableWindow(QMdiArea* area, TMyConnection& session, SettingsStore
       return open;
     }
   }
-  auto* window = new TformData(session, settings, database, table, isView, sshTunnel);
+  auto* window = new TformData(session, settings, database, table, isView);
   QMdiSubWindow* sub = area->addSubWindow(window);
   sub->setAttribute(Qt::WA_DeleteOnClose);
-  window->show();
+  // Documents are tabs: each fills the area, as the main window shows its others.
+  sub->showMaximized();
+  area->setActiveSubWindow(sub);
   return window;
 }
 

@@ -27,7 +27,7 @@ class TformData : public QWidget {
   Q_OBJECT
  public:
   TformData(TMyConnection& session, SettingsStore& settings, const std::string& database, const std::string& table,
-            bool isView, bool sshTunnel = false, QWidget* parent = nullptr);
+            bool isView, QWidget* parent = nullptr);
   ~TformData() override;
 
   // The quoted name the window is known by (see TableWindowName).
@@ -69,7 +69,6 @@ class TformData : public QWidget {
 // Opens the data window of a table or view in the MDI area, or brings forward the one already
 // open under the same name. The name depends on the session's current database.
 TformData* openTableWindow(QMdiArea* area, TMyConnection& session, SettingsStore& settings,
-                           const std::string& database, const std::string& table, bool isView,
-                           bool sshTunnel = false);
+                           const std::string& database, const std::string& table, bool isView);
 
 }  // namespace lomarin::ui

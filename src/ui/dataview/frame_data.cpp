@@ -159,14 +159,14 @@ bool TframeData::reopen(const std::string& sql) {
   WaitCursor wait;
   const std::string previous = sql_;
   try {
-    model_->open(sql, fetchAll_ || SshTunnel);
+    model_->open(sql, fetchAll_);
     sql_ = sql;
   } catch (const ServerError& error) {
     reportError(qs(error.message()), true);
     // Show the last good result again so the grid keeps its state.
     if (!previous.empty() && previous != sql) {
       try {
-        model_->open(previous, fetchAll_ || SshTunnel);
+        model_->open(previous, fetchAll_);
       } catch (const ServerError&) {
       }
     }
@@ -201,7 +201,7 @@ bool TframeData::LimitActive() const { return cxgrbolimit_->isVisible() && cxchk
 void TframeData::EnableLimit() {
   {
     const QSignalBlocker block(cxchkActive_);
-    cxchkActive_->setChecked(settings_.read(opt::UseLimit) || SshTunnel);
+    cxchkActive_->setChecked(settings_.read(opt::UseLimit));
   }
   cxspnLimit_->setText(qs(settings_.read(opt::LimitSize)));
   cxgrbolimit_->setVisible(true);

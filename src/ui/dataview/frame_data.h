@@ -45,8 +45,6 @@ class TframeData : public QWidget {
   std::string LimitClause;
   bool IsTable = false;
   bool BestFit = true;
-  // Set by the owner while the session runs through an SSH tunnel: limit and fetch-all are forced on.
-  bool SshTunnel = false;
 
   // Shows errors that the session's own OnError handler does not (validation, row counts, and
   // server errors when no handler is set). Defaults to a message box.

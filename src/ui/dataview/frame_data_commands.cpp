@@ -229,7 +229,12 @@ bool TframeData::ExportTo(dataview::TExportFormat format, const QString& file) {
   QApplication::setOverrideCursor(Qt::WaitCursor);
   bool ok = false;
   try {
-    const uint64_t rows = dataview::ExportQuery(session_, sql_, format, file.toStdString());
+    dataview::TExportProgress progress;
+    progress.onRows = [this](uint64_t rows) {
+      statusText_->setText(tr("%1 rows exported").arg(rows));
+      QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    };
+    const uint64_t rows = dataview::ExportQuery(session_, sql_, format, file.toStdString(), progress);
     statusText_->setText(tr("%1 rows exported to %2").arg(rows).arg(file));
     ok = true;
   } catch (const ServerError& error) {

@@ -1,0 +1,83 @@
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QMessageBox>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+
+#include "dataview_fixture.h"
+#include "ui/dataview/data_model.h"
+#include "ui/dataview/form_data.h"
+#include "ui/dataview/frame_data.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using namespace lomarin;
+using namespace lomarin::ui;
+
+// Answers the next message box with `button`, keeping its text.
+void answerBox(QMessageBox::StandardButton button, QString* text) {
+  QTimer::singleShot(0, [=] {
+    QMessageBox* box = nullptr;
+    QTRY_VERIFY((box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) != nullptr);
+    *text = box->text();
+    box->button(button)->click();
+  });
+}
+
+class FrameCommandsTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void loadingEverythingAsksFirst() {
+    test::DataviewFixture f;
+    f.settings->write(opt::UseLimit, false);
+    TframeData* frame =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "order_items", false)->frameData();
+    QCOMPARE(frame->model()->rowCount(), 1000);
+    QApplication::clipboard()->setText("before");
+    QString warning;
+    answerBox(QMessageBox::Cancel, &warning);
+    frame->CopyGrid();
+    QCOMPARE(warning, QString("All table records will be loaded in memory, this operation may \r\ntake some time"));
+    QCOMPARE(QApplication::clipboard()->text(), QString("before"));
+    QCOMPARE(frame->model()->rowCount(), 1000);
+
+    answerBox(QMessageBox::Ok, &warning);
+    frame->LoadAllRecords();
+    QCOMPARE(frame->model()->rowCount(), 100000);
+
+    QString message;
+    answerBox(QMessageBox::Ok, &message);
+    frame->ShowRecordCount();
+    QCOMPARE(message, QString("Records for table `order_items` : 100000"));
+  }
+
+  void copiesCellsAndRowsAndExportsTheStatement() {
+    test::DataviewFixture f;
+    TframeData* frame =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false)->frameData();
+    frame->grid()->setCurrentIndex(frame->model()->index(3, 2));
+    frame->CopyCell();
+    QCOMPARE(QApplication::clipboard()->text(), QString("Coffee & Tea"));
+    frame->grid()->selectionModel()->select(frame->model()->index(0, 0), QItemSelectionModel::Select);
+    frame->CopySelectedRows();
+    QCOMPARE(QApplication::clipboard()->text(), QString("1\t\tFood\tGroceries and delicatessen\n4\t1\tCoffee & Tea\t"
+                                                        "Beans, leaves and capsules"));
+
+    const QString file = f.folder.filePath("categories.csv");
+    QVERIFY(frame->ExportTo(dataview::TExportFormat::Csv, file));
+    QFile csv(file);
+    QVERIFY(csv.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = csv.readAll().split('\n');
+    QCOMPARE(lines.first(), QByteArray("category_id,parent_id,name,description\r"));
+    QCOMPARE(lines[4], QByteArray("4,1,Coffee & Tea,\"Beans, leaves and capsules\"\r"));
+  }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(FrameCommandsTest)
+#include "frame_commands_test.moc"
