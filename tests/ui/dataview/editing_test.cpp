@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QMessageBox>
 #include <QTableView>
 #include <QTest>
@@ -124,6 +125,26 @@ class EditingTest : public QObject {
     QCOMPARE(test::scalar(*f.session, "select group_concat(media_id order by media_id) from product_media"),
              std::string("1,3,4,5,6,7,8,9,10"));
     QCOMPARE(grid.text(1, 0), QString("3"));
+  }
+
+  void pasteWritesCellsAcrossAndDown() {
+    copyDemo("product_media");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
+    QApplication::clipboard()->setText("a.txt\tfirst\nb.txt\tsecond\n");
+    grid.frame.grid()->setCurrentIndex(grid.model().index(8, 2));
+    grid.frame.PasteCells();
+    QCOMPARE(test::scalar(*f.session, "select group_concat(file_name, ':', caption order by media_id) from "
+                                      "product_media where media_id >= 9"),
+             std::string("a.txt:first,b.txt:second"));
+    // Rows past the end are added.
+    grid.frame.grid()->setCurrentIndex(grid.model().index(9, 2));
+    grid.frame.PasteCells();
+    QCOMPARE(grid.model().rowCount(), 11);
+    QCOMPARE(test::scalar(*f.session, "select group_concat(media_id, file_name, ':', caption order by media_id) from "
+                                      "product_media where media_id >= 9"),
+             std::string("9a.txt:first,10a.txt:first,11b.txt:second"));
   }
 
   void keylessTableIsReadOnlyWithItsReason() {
