@@ -65,11 +65,14 @@ void TframeData::buildUi() {
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(2);
 
+  // One row: the limit bar (tables only) and the filter line (once EnableFilter is called).
+  auto* top = new QHBoxLayout;
+  top->setContentsMargins(2, 2, 2, 0);
   cxgrbolimit_ = new QFrame(this);
   cxgrbolimit_->setObjectName("cxgrbolimit");
   cxgrbolimit_->setFrameShape(QFrame::StyledPanel);
   auto* bar = new QHBoxLayout(cxgrbolimit_);
-  bar->setContentsMargins(4, 2, 4, 2);
+  bar->setContentsMargins(4, 0, 4, 0);
   spleftall_ = pagingButton(cxgrbolimit_, "spleftall", QStyle::SP_MediaSkipBackward);
   spleft_ = pagingButton(cxgrbolimit_, "spleft", QStyle::SP_MediaSeekBackward);
   cxspnLimit_ = new QLineEdit(cxgrbolimit_);
@@ -86,15 +89,18 @@ void TframeData::buildUi() {
   for (QWidget* w : std::initializer_list<QWidget*>{spleftall_, spleft_, cxspnLimit_, spLimitSettings_, spright_,
                                                     sprightall_, cxchkActive_})
     bar->addWidget(w);
-  bar->addSpacing(12);
-  bar->addWidget(new QLabel(tr("Filter:"), cxgrbolimit_));
+  cxgrbolimit_->setVisible(false);
+  top->addWidget(cxgrbolimit_);
+  filterLabel_ = new QLabel(tr("Filter:"), this);
   edtFilter_ = new QLineEdit(this);
   edtFilter_->setObjectName("edtFilter");
   edtFilter_->setPlaceholderText(tr("condition, e.g. price > 10 (Enter applies)"));
   edtFilter_->setClearButtonEnabled(true);
-  bar->addWidget(edtFilter_, 1);
-  cxgrbolimit_->setVisible(false);
-  layout->addWidget(cxgrbolimit_);
+  filterLabel_->setVisible(false);
+  edtFilter_->setVisible(false);
+  top->addWidget(filterLabel_);
+  top->addWidget(edtFilter_, 1);
+  layout->addLayout(top);
 
   pages_ = new QTabWidget(this);
   pages_->setObjectName("pgcData");
@@ -168,6 +174,7 @@ bool TframeData::reopen(const std::string& sql) {
       try {
         model_->open(previous, fetchAll_);
       } catch (const ServerError&) {
+        // Reported by the session's handler like the first error; the grid stays empty.
       }
     }
     return false;
@@ -196,7 +203,7 @@ bool TframeData::Refresh() {
   return reopen(sql_);
 }
 
-bool TframeData::LimitActive() const { return cxgrbolimit_->isVisible() && cxchkActive_->isChecked(); }
+bool TframeData::LimitActive() const { return !cxgrbolimit_->isHidden() && cxchkActive_->isChecked(); }
 
 void TframeData::EnableLimit() {
   {
@@ -313,6 +320,8 @@ void TframeData::EnableCxGridSort() {
 
 void TframeData::EnableFilter() {
   connect(edtFilter_, &QLineEdit::returnPressed, this, &TframeData::applyFilterLine, Qt::UniqueConnection);
+  filterLabel_->setVisible(true);
+  edtFilter_->setVisible(true);
   QHeaderView* header = grid_->horizontalHeader();
   header->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(header, &QHeaderView::customContextMenuRequested, this, &TframeData::showFilterValues,

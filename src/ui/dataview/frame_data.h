@@ -138,6 +138,7 @@ class TframeData : public QWidget {
   QToolButton* spright_ = nullptr;
   QToolButton* sprightall_ = nullptr;
   QCheckBox* cxchkActive_ = nullptr;
+  QLabel* filterLabel_ = nullptr;
   QLineEdit* edtFilter_ = nullptr;
   QTabWidget* pages_ = nullptr;
   QTableView* grid_ = nullptr;

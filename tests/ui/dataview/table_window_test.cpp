@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFrame>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QTableWidget>
@@ -78,6 +79,7 @@ class TableWindowTest : public QObject {
     QCOMPARE(window->windowTitle(), QString("VIEW [ `V_CUSTOMER_REVENUE` ]"));
     QCOMPARE(tabTexts(window->tabs()), (QStringList{"&Data", "&Columns", "&Script"}));
     QVERIFY(!window->frameData()->findChild<QFrame*>("cxgrbolimit")->isVisible());
+    QVERIFY(window->frameData()->findChild<QLineEdit*>("edtFilter")->isVisible());
     QVERIFY(sent(f.statements, "select * from `v_customer_revenue`"));
     QVERIFY(!sent(f.statements, "Select count(*)"));
     QVERIFY(window->frameData()->model()->rowCount() > 0);
