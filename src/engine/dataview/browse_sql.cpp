@@ -21,7 +21,8 @@ std::string BackQuote(std::string_view name) {
   return out + "`";
 }
 
-std::string TableWindowName(std::string_view database, std::string_view table, std::string_view currentDatabase) {
+std::string TableWindowName(std::string_view database, std::string_view table,
+                            std::string_view currentDatabase) {
   if (database == currentDatabase) return BackQuote(table);
   return BackQuote(database) + "." + BackQuote(table);
 }
@@ -35,7 +36,9 @@ std::string TableWindowCaption(std::string_view name, bool isView) {
 
 std::string BrowseSQL(std::string_view name) { return "select * from " + std::string(name); }
 
-std::string RowCountSQL(std::string_view tableName) { return "Select count(*)  From " + std::string(tableName); }
+std::string RowCountSQL(std::string_view tableName) {
+  return "Select count(*)  From " + std::string(tableName);
+}
 
 std::string DistinctValuesSQL(std::string_view column, std::string_view tableName) {
   return "Select DISTINCT " + std::string(column) + " From " + std::string(tableName);
@@ -48,7 +51,8 @@ std::vector<std::string> SplitLines(std::string_view sql) {
   size_t start = 0;
   while (true) {
     const size_t end = sql.find('\n', start);
-    lines.emplace_back(sql.substr(start, end == std::string_view::npos ? std::string_view::npos : end - start));
+    lines.emplace_back(
+        sql.substr(start, end == std::string_view::npos ? std::string_view::npos : end - start));
     if (end == std::string_view::npos) break;
     start = end + 1;
   }

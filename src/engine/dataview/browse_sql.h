@@ -13,7 +13,8 @@ namespace lomarin::dataview {
 std::string BackQuote(std::string_view name);
 // How the table window names a table: bare quoted name inside the current database, else
 // database and table both quoted, joined by a point.
-std::string TableWindowName(std::string_view database, std::string_view table, std::string_view currentDatabase);
+std::string TableWindowName(std::string_view database, std::string_view table,
+                            std::string_view currentDatabase);
 // "TABLE [ NAME ]" or "VIEW [ NAME ]", upper-casing ASCII letters only.
 std::string TableWindowCaption(std::string_view name, bool isView);
 

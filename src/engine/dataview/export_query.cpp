@@ -8,12 +8,18 @@ namespace lomarin::dataview {
 
 std::string ExportExtension(TExportFormat format) {
   switch (format) {
-    case TExportFormat::Text: return ".txt";
-    case TExportFormat::Csv: return ".csv";
-    case TExportFormat::Html: return ".html";
-    case TExportFormat::Xml: return ".xml";
-    case TExportFormat::Json: return ".json";
-    case TExportFormat::Xlsx: return ".xlsx";
+    case TExportFormat::Text:
+      return ".txt";
+    case TExportFormat::Csv:
+      return ".csv";
+    case TExportFormat::Html:
+      return ".html";
+    case TExportFormat::Xml:
+      return ".xml";
+    case TExportFormat::Json:
+      return ".json";
+    case TExportFormat::Xlsx:
+      return ".xlsx";
   }
   return {};
 }

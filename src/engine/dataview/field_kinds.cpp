@@ -4,9 +4,15 @@ namespace lomarin::dataview {
 
 bool IsNumberField(const TMyField& field) {
   switch (field.Type) {
-    case TMyFieldType::Decimal: case TMyFieldType::NewDecimal: case TMyFieldType::Tiny:
-    case TMyFieldType::Short: case TMyFieldType::Long: case TMyFieldType::LongLong:
-    case TMyFieldType::Int24: case TMyFieldType::Float: case TMyFieldType::Double:
+    case TMyFieldType::Decimal:
+    case TMyFieldType::NewDecimal:
+    case TMyFieldType::Tiny:
+    case TMyFieldType::Short:
+    case TMyFieldType::Long:
+    case TMyFieldType::LongLong:
+    case TMyFieldType::Int24:
+    case TMyFieldType::Float:
+    case TMyFieldType::Double:
     case TMyFieldType::Year:
       return true;
     default:
@@ -16,8 +22,12 @@ bool IsNumberField(const TMyField& field) {
 
 bool IsBlobOrMemoField(const TMyField& field) {
   switch (field.Type) {
-    case TMyFieldType::TinyBlob: case TMyFieldType::MediumBlob: case TMyFieldType::LongBlob:
-    case TMyFieldType::Blob: case TMyFieldType::Geometry: case TMyFieldType::Json:
+    case TMyFieldType::TinyBlob:
+    case TMyFieldType::MediumBlob:
+    case TMyFieldType::LongBlob:
+    case TMyFieldType::Blob:
+    case TMyFieldType::Geometry:
+    case TMyFieldType::Json:
       return true;
     default:
       return false;
@@ -26,8 +36,11 @@ bool IsBlobOrMemoField(const TMyField& field) {
 
 bool IsDateTimeField(const TMyField& field) {
   switch (field.Type) {
-    case TMyFieldType::Date: case TMyFieldType::NewDate: case TMyFieldType::DateTime:
-    case TMyFieldType::Timestamp: case TMyFieldType::Time:
+    case TMyFieldType::Date:
+    case TMyFieldType::NewDate:
+    case TMyFieldType::DateTime:
+    case TMyFieldType::Timestamp:
+    case TMyFieldType::Time:
       return true;
     default:
       return false;
@@ -36,10 +49,15 @@ bool IsDateTimeField(const TMyField& field) {
 
 bool IsBinaryField(const TMyField& field) {
   switch (field.Type) {
-    case TMyFieldType::Bit: case TMyFieldType::Geometry:
+    case TMyFieldType::Bit:
+    case TMyFieldType::Geometry:
       return true;
-    case TMyFieldType::VarChar: case TMyFieldType::VarString: case TMyFieldType::String:
-    case TMyFieldType::TinyBlob: case TMyFieldType::MediumBlob: case TMyFieldType::LongBlob:
+    case TMyFieldType::VarChar:
+    case TMyFieldType::VarString:
+    case TMyFieldType::String:
+    case TMyFieldType::TinyBlob:
+    case TMyFieldType::MediumBlob:
+    case TMyFieldType::LongBlob:
     case TMyFieldType::Blob:
       return field.isBinary();
     default:

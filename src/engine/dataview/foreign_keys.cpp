@@ -8,7 +8,8 @@ namespace lomarin::dataview {
 namespace {
 
 constexpr const char* kLoadSQL =
-    "SELECT * \nFROM information_schema.KEY_COLUMN_USAGE \n WHERE TABLE_SCHEMA =:schema AND TABLE_NAME =:table AND "
+    "SELECT * \nFROM information_schema.KEY_COLUMN_USAGE \n WHERE TABLE_SCHEMA =:schema AND TABLE_NAME "
+    "=:table AND "
     "\n CONSTRAINT_NAME <>'PRIMARY'\n AND REFERENCED_TABLE_NAME is not null";
 
 void bindParameter(std::string& sql, std::string_view name, const std::string& literal) {

@@ -32,13 +32,15 @@ void requireOne(uint64_t affected, const char* verb) {
 
 }  // namespace
 
-TBaseTableInfo LoadBaseTableInfo(TMyConnection& session, const std::string& database, const std::string& table) {
+TBaseTableInfo LoadBaseTableInfo(TMyConnection& session, const std::string& database,
+                                 const std::string& table) {
   TBaseTableInfo info{database, table, {}, {}};
   const std::string name = BackQuote(database) + "." + BackQuote(table);
   TMyQuery query(session);
   query.SQL = "SHOW COLUMNS FROM " + name;
   query.Open();
-  const int field = query.FieldIndex("Field"), null = query.FieldIndex("Null"), extra = query.FieldIndex("Extra");
+  const int field = query.FieldIndex("Field"), null = query.FieldIndex("Null"),
+            extra = query.FieldIndex("Extra");
   while (query.Next()) {
     const std::string extraText = upper(query.Value(extra));
     info.columns.push_back({std::string(query.Value(field)), query.Value(null) == "NO",
@@ -77,7 +79,8 @@ TRowWriter RowWriterFor(TMyConnection& session, const std::vector<TMyField>& fie
       return TRowWriter(fields, "Read-only: " + error.message());
     }
   }
-  return TRowWriter(fields, *info, [&session](std::string_view value) { return EscapeString(session, value); });
+  return TRowWriter(fields, *info,
+                    [&session](std::string_view value) { return EscapeString(session, value); });
 }
 
 void TRowPoster::Update(const TRecord& before, const TRecord& after) {
@@ -101,6 +104,8 @@ uint64_t TRowPoster::Insert(const TRecord& values, const std::vector<bool>& give
   return insertId;
 }
 
-void TRowPoster::Delete(const TRecord& before) { requireOne(execute(session_, writer_.DeleteSQL(before)), "DELETE"); }
+void TRowPoster::Delete(const TRecord& before) {
+  requireOne(execute(session_, writer_.DeleteSQL(before)), "DELETE");
+}
 
 }  // namespace lomarin::dataview

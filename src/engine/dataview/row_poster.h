@@ -17,7 +17,8 @@ class RowCountError : public std::runtime_error {
 };
 
 // Columns and unique keys of a table, read with SHOW COLUMNS and SHOW KEYS.
-TBaseTableInfo LoadBaseTableInfo(TMyConnection& session, const std::string& database, const std::string& table);
+TBaseTableInfo LoadBaseTableInfo(TMyConnection& session, const std::string& database,
+                                 const std::string& table);
 
 // The writer for a result on the session: read-only with a reason when the result has no single
 // base table, or the table cannot be described, or has no key to identify rows by. With a cache,

@@ -30,9 +30,9 @@ std::string hexLiteral(std::string_view bytes) {
 }
 
 bool sameName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return std::tolower(static_cast<unsigned char>(x)) ==
-                                                std::tolower(static_cast<unsigned char>(y)); });
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+  });
 }
 
 }  // namespace
@@ -53,10 +53,15 @@ TBaseTableRef BaseTableOf(const std::vector<TMyField>& fields) {
 }
 
 TRowWriter::TRowWriter(std::vector<TMyField> fields, std::string readOnlyReason)
-    : fields_(std::move(fields)), readOnlyReason_(std::move(readOnlyReason)), writable_(fields_.size(), false) {}
+    : fields_(std::move(fields)),
+      readOnlyReason_(std::move(readOnlyReason)),
+      writable_(fields_.size(), false) {}
 
 TRowWriter::TRowWriter(std::vector<TMyField> fields, const TBaseTableInfo& table, Escaper escape)
-    : fields_(std::move(fields)), database_(table.database), table_(table.table), writable_(fields_.size(), false),
+    : fields_(std::move(fields)),
+      database_(table.database),
+      table_(table.table),
+      writable_(fields_.size(), false),
       escape_(std::move(escape)) {
   auto fieldOf = [&](std::string_view column) -> std::optional<size_t> {
     for (size_t i = 0; i < fields_.size(); ++i)
@@ -86,7 +91,9 @@ TRowWriter::TRowWriter(std::vector<TMyField> fields, const TBaseTableInfo& table
                     " has no primary key or unique key over NOT NULL columns in this result";
 }
 
-bool TRowWriter::Writable(size_t column) const { return Editable() && column < writable_.size() && writable_[column]; }
+bool TRowWriter::Writable(size_t column) const {
+  return Editable() && column < writable_.size() && writable_[column];
+}
 
 void TRowWriter::requireEditable() const {
   if (!Editable()) throw std::logic_error(readOnlyReason_);
@@ -100,7 +107,8 @@ std::string SqlLiteral(const TMyField& field, const TCellValue& value,
   if (IsBinaryField(field)) return hexLiteral(value.bytes);
   if (IsNumberField(field)) {
     if (!isNumberText(value.bytes))
-      throw std::invalid_argument("'" + value.bytes + "' is not a valid number for column " + BackQuote(field.Name));
+      throw std::invalid_argument("'" + value.bytes + "' is not a valid number for column " +
+                                  BackQuote(field.Name));
     return value.bytes;
   }
   return "'" + escape(value.bytes) + "'";

@@ -23,7 +23,8 @@ std::string PartitionsTabSQL(TMyConnection& session, const std::string& database
   return "SELECT PARTITION_NAME, SUBPARTITION_NAME, PARTITION_METHOD, PARTITION_EXPRESSION, "
          "PARTITION_DESCRIPTION, TABLE_ROWS\nFROM information_schema.PARTITIONS\nWHERE TABLE_SCHEMA = " +
          literal(session, database) + " AND TABLE_NAME = " + literal(session, table) +
-         " AND PARTITION_NAME IS NOT NULL\nORDER BY PARTITION_ORDINAL_POSITION, SUBPARTITION_ORDINAL_POSITION";
+         " AND PARTITION_NAME IS NOT NULL\nORDER BY PARTITION_ORDINAL_POSITION, "
+         "SUBPARTITION_ORDINAL_POSITION";
 }
 
 std::string ScriptTabSQL(const std::string& name, bool isView) {

@@ -89,11 +89,20 @@ class CsvWriter : public WriterBase {
 void markupEscaped(std::ostream& out, std::string_view value) {
   for (char c : value) {
     switch (c) {
-      case '&': out << "&amp;"; break;
-      case '<': out << "&lt;"; break;
-      case '>': out << "&gt;"; break;
-      case '"': out << "&quot;"; break;
-      default: out << c;
+      case '&':
+        out << "&amp;";
+        break;
+      case '<':
+        out << "&lt;";
+        break;
+      case '>':
+        out << "&gt;";
+        break;
+      case '"':
+        out << "&quot;";
+        break;
+      default:
+        out << c;
     }
   }
 }
@@ -102,7 +111,8 @@ class HtmlWriter : public WriterBase {
  public:
   using WriterBase::WriterBase;
   void header() override {
-    out_ << "<!DOCTYPE html>\n<html>\n<head><meta charset=\"utf-8\"></head>\n<body>\n<table border=\"1\">\n<tr>";
+    out_ << "<!DOCTYPE html>\n<html>\n<head><meta charset=\"utf-8\"></head>\n<body>\n<table "
+            "border=\"1\">\n<tr>";
     for (const TMyField& f : fields_) {
       out_ << "<th>";
       markupEscaped(out_, f.Name);
@@ -200,12 +210,18 @@ class JsonWriter : public WriterBase {
 
 std::unique_ptr<TExportWriter> MakeTextExportWriter(TExportFormat format, std::ostream& out) {
   switch (format) {
-    case TExportFormat::Text: return std::make_unique<TextWriter>(out);
-    case TExportFormat::Csv: return std::make_unique<CsvWriter>(out);
-    case TExportFormat::Html: return std::make_unique<HtmlWriter>(out);
-    case TExportFormat::Xml: return std::make_unique<XmlWriter>(out);
-    case TExportFormat::Json: return std::make_unique<JsonWriter>(out);
-    case TExportFormat::Xlsx: break;
+    case TExportFormat::Text:
+      return std::make_unique<TextWriter>(out);
+    case TExportFormat::Csv:
+      return std::make_unique<CsvWriter>(out);
+    case TExportFormat::Html:
+      return std::make_unique<HtmlWriter>(out);
+    case TExportFormat::Xml:
+      return std::make_unique<XmlWriter>(out);
+    case TExportFormat::Json:
+      return std::make_unique<JsonWriter>(out);
+    case TExportFormat::Xlsx:
+      break;
   }
   throw std::invalid_argument("not a text export format");
 }

@@ -30,7 +30,8 @@ class XlsxWriter : public TExportWriter {
 
   void Begin(const std::vector<TMyField>& fields) override {
     fields_ = fields;
-    for (size_t i = 0; i < fields.size(); ++i) check(worksheet_write_string(sheet_, 0, col(i), fields[i].Name.c_str(), bold_));
+    for (size_t i = 0; i < fields.size(); ++i)
+      check(worksheet_write_string(sheet_, 0, col(i), fields[i].Name.c_str(), bold_));
   }
 
   void Row(const std::vector<TExportCell>& cells) override {

@@ -21,7 +21,8 @@ void TDataCard::rebuild() {
     auto* edit = new QLineEdit(page);
     edit->setObjectName(QString("edtField%1").arg(c));
     connect(edit, &QLineEdit::editingFinished, this, [this, c, edit] {
-      if (edit->isModified() && row_ >= 0) model_->setData(model_->index(row_, c), edit->text(), Qt::EditRole);
+      if (edit->isModified() && row_ >= 0)
+        model_->setData(model_->index(row_, c), edit->text(), Qt::EditRole);
       edit->setModified(false);
     });
     layout->addRow(model_->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString(), edit);

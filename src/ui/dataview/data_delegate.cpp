@@ -13,15 +13,20 @@ namespace {
 // Server text forms of the temporal types a picker can show.
 QString formatOf(TMyFieldType type) {
   switch (type) {
-    case TMyFieldType::Date: case TMyFieldType::NewDate: return "yyyy-MM-dd";
-    case TMyFieldType::Time: return "HH:mm:ss";
-    default: return "yyyy-MM-dd HH:mm:ss";
+    case TMyFieldType::Date:
+    case TMyFieldType::NewDate:
+      return "yyyy-MM-dd";
+    case TMyFieldType::Time:
+      return "HH:mm:ss";
+    default:
+      return "yyyy-MM-dd HH:mm:ss";
   }
 }
 
 }  // namespace
 
-TDataDelegate::TDataDelegate(TDataModel* model, QObject* parent) : QStyledItemDelegate(parent), model_(model) {}
+TDataDelegate::TDataDelegate(TDataModel* model, QObject* parent)
+    : QStyledItemDelegate(parent), model_(model) {}
 
 QWidget* TDataDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                      const QModelIndex& index) const {

@@ -25,7 +25,8 @@ constexpr int kMaxFetchBatch = 1 << 17;
 constexpr size_t kShownBinaryBytes = 64;
 
 QString textOf(const TMyField& field, std::string_view bytes, bool forEdit) {
-  if (!dataview::IsBinaryField(field)) return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  if (!dataview::IsBinaryField(field))
+    return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
   if (forEdit || bytes.size() <= kShownBinaryBytes) return QString::fromStdString(dataview::HexText(bytes));
   return QString::fromStdString(dataview::HexText(bytes.substr(0, kShownBinaryBytes))) + "…";
 }
@@ -34,7 +35,9 @@ QString textOf(const TMyField& field, std::string_view bytes, bool forEdit) {
 std::optional<std::string> bytesOf(const TMyField& field, const QString& text) {
   if (!dataview::IsBinaryField(field)) return text.toStdString();
   const QByteArray hex = text.toLatin1();
-  if (hex.size() % 2 != 0 || !std::all_of(hex.begin(), hex.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); }))
+  if (hex.size() % 2 != 0 || !std::all_of(hex.begin(), hex.end(), [](char c) {
+        return std::isxdigit(static_cast<unsigned char>(c));
+      }))
     return std::nullopt;
   return QByteArray::fromHex(hex).toStdString();
 }
@@ -42,7 +45,9 @@ std::optional<std::string> bytesOf(const TMyField& field, const QString& text) {
 }  // namespace
 
 TDataModel::TDataModel(TMyConnection& session, QObject* parent)
-    : QAbstractTableModel(parent), session_(session), writer_(std::make_unique<dataview::TRowWriter>(std::vector<TMyField>{}, "")) {}
+    : QAbstractTableModel(parent),
+      session_(session),
+      writer_(std::make_unique<dataview::TRowWriter>(std::vector<TMyField>{}, "")) {}
 
 TDataModel::~TDataModel() = default;
 
@@ -82,7 +87,8 @@ void TDataModel::open(const std::string& sql, bool fetchAll) {
 
 const dataview::TRowWriter& TDataModel::writer() {
   if (!writerReady_ && query_) {
-    writer_ = std::make_unique<dataview::TRowWriter>(dataview::RowWriterFor(session_, query_->Fields(), &tableInfo_));
+    writer_ = std::make_unique<dataview::TRowWriter>(
+        dataview::RowWriterFor(session_, query_->Fields(), &tableInfo_));
     writerReady_ = true;
   }
   return *writer_;
@@ -193,7 +199,8 @@ QVariant TDataModel::headerData(int section, Qt::Orientation orientation, int ro
 
 Qt::ItemFlags TDataModel::flags(const QModelIndex& index) const {
   Qt::ItemFlags flags = QAbstractTableModel::flags(index);
-  const bool writable = writerReady_ ? writer_->Writable(static_cast<size_t>(index.column())) : maybeEditable_;
+  const bool writable =
+      writerReady_ ? writer_->Writable(static_cast<size_t>(index.column())) : maybeEditable_;
   if (index.isValid() && writable) flags |= Qt::ItemIsEditable;
   return flags;
 }
@@ -217,8 +224,10 @@ void TDataModel::reportFailure(const std::exception& error, bool serverError) {
 bool TDataModel::setCell(int row, int column, const TCellValue& value) {
   if (!writer().Writable(static_cast<size_t>(column))) {
     if (onPostError)
-      onPostError(writer_->Editable() ? tr("The column %1 cannot be written").arg(headerData(column, Qt::Horizontal, Qt::DisplayRole).toString())
-                                      : QString::fromStdString(writer_->ReadOnlyReason()),
+      onPostError(writer_->Editable()
+                      ? tr("The column %1 cannot be written")
+                            .arg(headerData(column, Qt::Horizontal, Qt::DisplayRole).toString())
+                      : QString::fromStdString(writer_->ReadOnlyReason()),
                   false);
     return false;
   }
@@ -286,7 +295,8 @@ bool TDataModel::postRow(int row) {
   try {
     const uint64_t id = dataview::TRowPoster(session_, *writer_).Insert(added.values, added.given);
     for (size_t i = 0; i < fields().size(); ++i)
-      if (id && fields()[i].has(fieldflag::AutoIncrement) && !added.given[i]) added.values[i] = {false, std::to_string(id)};
+      if (id && fields()[i].has(fieldflag::AutoIncrement) && !added.given[i])
+        added.values[i] = {false, std::to_string(id)};
     added.posted = true;
     emit dataChanged(index(row, 0), index(row, columnCount() - 1));
     return true;

@@ -89,9 +89,9 @@ class TDataModel : public QAbstractTableModel {
   int shownSourceRows_ = 0;
   int fetchBatch_ = 0;
   QString keyColumn_;
-  std::vector<size_t> deleted_;                       // sorted source rows removed on the server
-  std::map<size_t, dataview::TRecord> confirmed_;     // source rows as last written
-  std::map<size_t, dataview::TRecord> pending_;       // source rows the server refused
+  std::vector<size_t> deleted_;                    // sorted source rows removed on the server
+  std::map<size_t, dataview::TRecord> confirmed_;  // source rows as last written
+  std::map<size_t, dataview::TRecord> pending_;    // source rows the server refused
   std::vector<NewRow> newRows_;
 };
 

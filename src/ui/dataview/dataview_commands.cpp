@@ -11,8 +11,8 @@ void installDataviewCommands(Tformppal& window) {
                    [&window](explorer::NodeKind kind, const QString& database, const QString& name) {
                      const bool view = kind == explorer::NodeKind::View;
                      if ((kind != explorer::NodeKind::Table && !view) || !window.currentdb()) return;
-                     openTableWindow(window.mdiArea(), window.MySqlSession, window.settings(), database.toStdString(),
-                                     name.toStdString(), view);
+                     openTableWindow(window.mdiArea(), window.MySqlSession, window.settings(),
+                                     database.toStdString(), name.toStdString(), view);
                    });
 }
 

@@ -27,7 +27,9 @@ QTableWidget* listTable(QWidget* parent, const char* name) {
   return table;
 }
 
-QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+QString qs(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 }  // namespace
 
@@ -98,8 +100,9 @@ void TformData::loadTab(int index) {
   } else if (page == foreignKeysTable_) {
     const auto& keys = foreignKeys_.Items();
     foreignKeysTable_->setColumnCount(5);
-    foreignKeysTable_->setHorizontalHeaderLabels({"COLUMN_NAME", "REFERENCED_TABLE_SCHEMA", "REFERENCED_TABLE_NAME",
-                                                  "REFERENCED_COLUMN_NAME", "CONSTRAINT_SCHEMA"});
+    foreignKeysTable_->setHorizontalHeaderLabels({"COLUMN_NAME", "REFERENCED_TABLE_SCHEMA",
+                                                  "REFERENCED_TABLE_NAME", "REFERENCED_COLUMN_NAME",
+                                                  "CONSTRAINT_SCHEMA"});
     foreignKeysTable_->setRowCount(static_cast<int>(keys.size()));
     for (int r = 0; r < static_cast<int>(keys.size()); ++r) {
       const dataview::TMyFK& key = keys[static_cast<size_t>(r)];
@@ -161,7 +164,8 @@ void TformData::fillTable(QTableWidget* table, const std::string& sql) {
     while (query.Next()) {
       table->setRowCount(row + 1);
       for (int c = 0; c < headers.size(); ++c)
-        table->setItem(row, c, new QTableWidgetItem(query.IsNull(c) ? QString("(NULL)") : qs(query.Value(c))));
+        table->setItem(row, c,
+                       new QTableWidgetItem(query.IsNull(c) ? QString("(NULL)") : qs(query.Value(c))));
       ++row;
     }
     table->resizeColumnsToContents();
@@ -177,7 +181,8 @@ void TformData::RefreshData(const std::string& database, const std::string& tabl
 
 TformData* openTableWindow(QMdiArea* area, TMyConnection& session, SettingsStore& settings,
                            const std::string& database, const std::string& table, bool isView) {
-  const QString name = QString::fromStdString(dataview::TableWindowName(database, table, session.CurrentDatabase()));
+  const QString name =
+      QString::fromStdString(dataview::TableWindowName(database, table, session.CurrentDatabase()));
   for (QMdiSubWindow* sub : area->subWindowList()) {
     auto* open = qobject_cast<TformData*>(sub->widget());
     if (open && open->name() == name) {

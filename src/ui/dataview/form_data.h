@@ -26,8 +26,8 @@ class TframeData;
 class TformData : public QWidget {
   Q_OBJECT
  public:
-  TformData(TMyConnection& session, SettingsStore& settings, const std::string& database, const std::string& table,
-            bool isView, QWidget* parent = nullptr);
+  TformData(TMyConnection& session, SettingsStore& settings, const std::string& database,
+            const std::string& table, bool isView, QWidget* parent = nullptr);
   ~TformData() override;
 
   // The quoted name the window is known by (see TableWindowName).

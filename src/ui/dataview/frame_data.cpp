@@ -49,7 +49,9 @@ TframeData::TframeData(TMyConnection& session, SettingsStore& settings, QWidget*
     : QWidget(parent), session_(session), settings_(settings), model_(new TDataModel(session, this)) {
   setObjectName("TframeData");
   ErrorDisplay = [this](const QString& message) { QMessageBox::critical(this, tr("Error"), message); };
-  model_->onPostError = [this](const QString& message, bool serverError) { reportError(message, serverError); };
+  model_->onPostError = [this](const QString& message, bool serverError) {
+    reportError(message, serverError);
+  };
   buildUi();
   buildActions();
   applyOptions();
@@ -86,8 +88,8 @@ void TframeData::buildUi() {
   sprightall_ = pagingButton(cxgrbolimit_, "sprightall", QStyle::SP_MediaSkipForward);
   cxchkActive_ = new QCheckBox(tr("Active"), cxgrbolimit_);
   cxchkActive_->setObjectName("cxchkActive");
-  for (QWidget* w : std::initializer_list<QWidget*>{spleftall_, spleft_, cxspnLimit_, spLimitSettings_, spright_,
-                                                    sprightall_, cxchkActive_})
+  for (QWidget* w : std::initializer_list<QWidget*>{spleftall_, spleft_, cxspnLimit_, spLimitSettings_,
+                                                    spright_, sprightall_, cxchkActive_})
     bar->addWidget(w);
   cxgrbolimit_->setVisible(false);
   top->addWidget(cxgrbolimit_);
@@ -226,7 +228,8 @@ bool TframeData::ExecSQL() {
 bool TframeData::ExecViewSQL() { return ExecSQL(); }
 
 void TframeData::setPagingEnabled(bool enabled) {
-  for (QWidget* w : std::initializer_list<QWidget*>{spleftall_, spleft_, spright_, sprightall_, spLimitSettings_})
+  for (QWidget* w :
+       std::initializer_list<QWidget*>{spleftall_, spleft_, spright_, sprightall_, spLimitSettings_})
     w->setEnabled(enabled);
 }
 
@@ -342,7 +345,8 @@ bool TframeData::SortByColumn(int column) {
   if (column < 0 || column >= static_cast<int>(fields.size()) || dataview::IsBlobOrMemoField(fields[column]))
     return false;
   const std::string& name = fields[static_cast<size_t>(column)].Name;
-  const bool descending = sortColumns_.size() == 1 && sortColumns_[0].name == name && !sortColumns_[0].descending;
+  const bool descending =
+      sortColumns_.size() == 1 && sortColumns_[0].name == name && !sortColumns_[0].descending;
   const std::vector<dataview::SortColumn> sort{{name, descending}};
   if (!reopen(dataview::PlaceOrderBy(sql_, dataview::OrderByLine(sort)))) return false;
   sortColumns_ = sort;

@@ -14,9 +14,9 @@
 
 #include "engine/app/data_folder.h"
 #include "engine/connect/escape.h"
+#include "engine/connect/my_query.h"
 #include "engine/dataview/field_kinds.h"
 #include "engine/dataview/row_writer.h"
-#include "engine/connect/my_query.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/frame_data.h"
 
@@ -102,16 +102,18 @@ std::vector<int> TframeData::selectedRows() const {
 
 void TframeData::CopyCell() {
   const QModelIndex current = grid_->currentIndex();
-  if (current.isValid()) QApplication::clipboard()->setText(cellText(model_, current.row(), current.column()));
+  if (current.isValid())
+    QApplication::clipboard()->setText(cellText(model_, current.row(), current.column()));
 }
 
 void TframeData::CopySelectedRows() { QApplication::clipboard()->setText(rowsText(model_, selectedRows())); }
 
 bool TframeData::confirmLoadAll() {
   if (model_->allFetched()) return true;
-  return QMessageBox::warning(this, tr("Warning"),
-                              "All table records will be loaded in memory, this operation may \r\ntake some time",
-                              QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+  return QMessageBox::warning(
+             this, tr("Warning"),
+             "All table records will be loaded in memory, this operation may \r\ntake some time",
+             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 void TframeData::CopyGrid() {
@@ -151,9 +153,10 @@ void TframeData::InsertRecord() {
 void TframeData::DeleteRecords() {
   const std::vector<int> rows = selectedRows();
   if (rows.empty()) return;
-  const QString question = rows.size() == 1 ? tr("Delete record?") : tr("Delete %1 records?").arg(rows.size());
-  QMessageBox box(QMessageBox::Question, tr("Deleting Confirmation"), question, QMessageBox::Yes | QMessageBox::No,
-                  this);
+  const QString question =
+      rows.size() == 1 ? tr("Delete record?") : tr("Delete %1 records?").arg(rows.size());
+  QMessageBox box(QMessageBox::Question, tr("Deleting Confirmation"), question,
+                  QMessageBox::Yes | QMessageBox::No, this);
   box.setObjectName("DeletingConfirmation");
   if (box.exec() != QMessageBox::Yes) return;
   model_->deleteRows(rows);
@@ -181,7 +184,8 @@ std::vector<std::pair<QString, std::string>> TframeData::FilterValues(int column
     query.Open();
     auto escape = [this](std::string_view text) { return EscapeString(session_, text); };
     while (static_cast<int>(values.size()) < limit && query.Next()) {
-      const dataview::TCellValue value{query.IsNull(0), query.IsNull(0) ? std::string() : std::string(query.Value(0))};
+      const dataview::TCellValue value{query.IsNull(0),
+                                       query.IsNull(0) ? std::string() : std::string(query.Value(0))};
       const QString shown = value.null ? QStringLiteral("(NULL)") : QString::fromStdString(value.bytes);
       values.emplace_back(shown, dataview::SqlLiteral(field, value, escape));
     }
@@ -192,7 +196,8 @@ std::vector<std::pair<QString, std::string>> TframeData::FilterValues(int column
 }
 
 bool TframeData::FilterOnValue(int column, const std::string& literal) {
-  const std::string condition = dataview::ValueCondition(model_->fields().at(static_cast<size_t>(column)).Name, literal);
+  const std::string condition =
+      dataview::ValueCondition(model_->fields().at(static_cast<size_t>(column)).Name, literal);
   edtFilter_->setText(QString::fromStdString(condition));
   return ApplyFilter(edtFilter_->text());
 }
@@ -247,7 +252,8 @@ bool TframeData::ExportTo(dataview::TExportFormat format, const QString& file) {
 }
 
 void TframeData::exportWithDialog(dataview::TExportFormat format) {
-  const QString suggested = QString::fromStdString((dataFolder() / dataview::ExportDefaultName(format)).string());
+  const QString suggested =
+      QString::fromStdString((dataFolder() / dataview::ExportDefaultName(format)).string());
   const QString file = QFileDialog::getSaveFileName(this, tr("Export"), suggested);
   if (!file.isEmpty()) ExportTo(format, file);
 }

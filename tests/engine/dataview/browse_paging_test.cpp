@@ -15,7 +15,7 @@ struct Hints {
 };
 
 Hints hintsOf(const TLimitPaging& p) {
-  return {p.FirstHint(), p.PriorHint(), p.NextHint(), p.LastHint(),
+  return {p.FirstHint(),    p.PriorHint(),    p.NextHint(),    p.LastHint(),
           p.FirstEnabled(), p.PriorEnabled(), p.NextEnabled(), p.LastEnabled()};
 }
 
@@ -28,23 +28,28 @@ TEST(LimitPaging, WalksA250RowTableForwardAndBack) {
   TLimitPaging p;
   p.Start(100, 250);
   EXPECT_EQ(p.LastPageStart(), 200);
-  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 100,100", "LIMIT 200,100", false, false, true, true}));
+  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 100,100", "LIMIT 200,100", false, false,
+                               true, true}));
 
   EXPECT_EQ(p.Next(), "LIMIT 100,100");
   EXPECT_EQ(p.PageEnd(), 200);
-  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 200,100", "LIMIT 200,100", true, true, true, true}));
+  EXPECT_EQ(hintsOf(p),
+            (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 200,100", "LIMIT 200,100", true, true, true, true}));
 
   EXPECT_EQ(p.Next(), "LIMIT 200,100");
   EXPECT_EQ(p.PrevPageStart(), 100);
-  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 100,100", "LIMIT 300,100", "LIMIT 200,100", true, true, false, false}));
+  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 100,100", "LIMIT 300,100", "LIMIT 200,100", true, true,
+                               false, false}));
 
   EXPECT_EQ(p.Prior(), "LIMIT 100,100");
   EXPECT_EQ(p.PageEnd(), 200);
   EXPECT_EQ(p.PrevPageStart(), 0);
-  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 200,100", "LIMIT 200,100", true, true, true, true}));
+  EXPECT_EQ(hintsOf(p),
+            (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 200,100", "LIMIT 200,100", true, true, true, true}));
 
   EXPECT_EQ(p.First(), "LIMIT 0,100");
-  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 100,100", "LIMIT 200,100", false, false, true, true}));
+  EXPECT_EQ(hintsOf(p), (Hints{"LIMIT 0,100", "LIMIT 0,100", "LIMIT 100,100", "LIMIT 200,100", false, false,
+                               true, true}));
 }
 
 TEST(LimitPaging, LastThenPriorUsesTheOldPreviousStart) {
@@ -75,7 +80,8 @@ TEST(LimitPaging, ExactMultipleEndsOnAnEmptyLastPage) {
 
 TEST(LimitPaging, PageSizeMustBeAPositiveWholeNumber) {
   EXPECT_EQ(ParsePageSize("25"), 25);
-  for (const char* bad : {"0", "", "abc", "10x", "-5"}) EXPECT_THROW(ParsePageSize(bad), std::invalid_argument) << bad;
+  for (const char* bad : {"0", "", "abc", "10x", "-5"})
+    EXPECT_THROW(ParsePageSize(bad), std::invalid_argument) << bad;
   TLimitPaging p;
   EXPECT_THROW(p.Start(0, 10), std::invalid_argument);
 }
@@ -93,10 +99,12 @@ TEST(BrowseSQL, NamesCaptionsAndFixedStatements) {
 
 TEST(BrowseSQL, LimitLineIsReplacedWhereverLimitAppears) {
   EXPECT_EQ(ReplaceLimitLine("select * from `t`", "LIMIT 0,100"), "select * from `t`\nLIMIT 0,100");
-  EXPECT_EQ(ReplaceLimitLine("select * from `t`\nLIMIT 0,100", "LIMIT 100,100"), "select * from `t`\nLIMIT 100,100");
+  EXPECT_EQ(ReplaceLimitLine("select * from `t`\nLIMIT 0,100", "LIMIT 100,100"),
+            "select * from `t`\nLIMIT 100,100");
   // A plain substring test: a column called LIMIT_X takes the clause too.
   EXPECT_EQ(ReplaceLimitLine("select LIMIT_X\nfrom `t`", "LIMIT 0,5"), "LIMIT 0,5\nfrom `t`");
-  EXPECT_EQ(ReplaceLimitLine("select * from `t`\nlimit 1", "LIMIT 0,5"), "select * from `t`\nlimit 1\nLIMIT 0,5");
+  EXPECT_EQ(ReplaceLimitLine("select * from `t`\nlimit 1", "LIMIT 0,5"),
+            "select * from `t`\nlimit 1\nLIMIT 0,5");
   EXPECT_EQ(ReplaceLimitLine("select * from `t`\nLIMIT 0,100", ""), "select * from `t`\n");
 }
 
@@ -104,8 +112,9 @@ TEST(BrowseSQL, FilterTakesTheSecondLineAndKeepsTheLimitLast) {
   const std::string paged = "select * from `t`\nLIMIT 0,100";
   EXPECT_EQ(ApplyWhereLine(paged, WhereLineFor("a = 1"), true, "LIMIT 0,100"),
             "select * from `t`\n where  a = 1\nLIMIT 0,100");
-  EXPECT_EQ(ApplyWhereLine("select * from `t`\n where  a = 1\nLIMIT 0,100", WhereLineFor(""), true, "LIMIT 0,100"),
-            "select * from `t`\n\nLIMIT 0,100");
+  EXPECT_EQ(
+      ApplyWhereLine("select * from `t`\n where  a = 1\nLIMIT 0,100", WhereLineFor(""), true, "LIMIT 0,100"),
+      "select * from `t`\n\nLIMIT 0,100");
   EXPECT_EQ(ApplyWhereLine("select * from `t`", WhereLineFor("b like 'x%'"), false, ""),
             "select * from `t`\n where  b like 'x%'");
 }

@@ -37,12 +37,15 @@ std::string readBack(const std::filesystem::path& file) {
 
 // The table as the server holds it, NULL as empty and the BLOB as hex text.
 std::string expectedMedia(TMyConnection& session, const std::string& where) {
-  std::string out = hex("media_id") + "\t" + hex("product_id") + "\t" + hex("file_name") + "\t" + hex("caption") +
-                    "\t" + hex("notes") + "\t" + hex("mime_type") + "\t" + hex("content") + "\n";
+  std::string out = hex("media_id") + "\t" + hex("product_id") + "\t" + hex("file_name") + "\t" +
+                    hex("caption") + "\t" + hex("notes") + "\t" + hex("mime_type") + "\t" + hex("content") +
+                    "\n";
   TMyQuery query(session);
   query.SQL =
-      "select media_id, ifnull(product_id, ''), file_name, ifnull(caption, ''), ifnull(notes, ''), mime_type, "
-      "ifnull(hex(content), '') from lomarin_demo.product_media " + where + " order by media_id";
+      "select media_id, ifnull(product_id, ''), file_name, ifnull(caption, ''), ifnull(notes, ''), "
+      "mime_type, "
+      "ifnull(hex(content), '') from lomarin_demo.product_media " +
+      where + " order by media_id";
   query.Open();
   while (query.Next()) {
     for (size_t i = 0; i < 7; ++i) out += (i ? "\t" : "") + hex(query.Value(i));
@@ -66,20 +69,23 @@ class ExportTest : public ::testing::Test {
 
 TEST_F(ExportTest, BlobTableReadsBackEqualFromCsvAndXlsx) {
   const auto csv = folder / "media.csv";
-  EXPECT_EQ(ExportQuery(*session, "select * from lomarin_demo.product_media order by media_id", TExportFormat::Csv, csv),
+  EXPECT_EQ(ExportQuery(*session, "select * from lomarin_demo.product_media order by media_id",
+                        TExportFormat::Csv, csv),
             10u);
   EXPECT_EQ(readBack(csv), expectedMedia(*session, ""));
 
   // A spreadsheet cell holds at most 32767 characters: the 64 KiB pattern row cannot go there.
   const std::string fitting = "where media_id <> 10";
   const auto xlsx = folder / "media.xlsx";
-  EXPECT_EQ(ExportQuery(*session, "select * from lomarin_demo.product_media " + fitting + " order by media_id",
-                        TExportFormat::Xlsx, xlsx),
-            9u);
+  EXPECT_EQ(
+      ExportQuery(*session, "select * from lomarin_demo.product_media " + fitting + " order by media_id",
+                  TExportFormat::Xlsx, xlsx),
+      9u);
   EXPECT_EQ(readBack(xlsx), expectedMedia(*session, fitting));
   const auto tooLong = folder / "long.xlsx";
-  EXPECT_THROW(ExportQuery(*session, "select content from lomarin_demo.product_media", TExportFormat::Xlsx, tooLong),
-               std::runtime_error);
+  EXPECT_THROW(
+      ExportQuery(*session, "select content from lomarin_demo.product_media", TExportFormat::Xlsx, tooLong),
+      std::runtime_error);
   EXPECT_FALSE(std::filesystem::exists(tooLong));
   EXPECT_FALSE(std::filesystem::exists(tooLong.string() + ".part"));
 }
@@ -99,16 +105,18 @@ TEST_F(ExportTest, MarkupFormatsEscapeTextAndNull) {
                             "<td></td><td>0001</td>"),
             std::string::npos)
       << html.str();
-  EXPECT_NE(xml.str().find("<row><field name=\"n\">1</field><field name=\"d\">12345678901234567890.5</field>"
-                           "<field name=\"s\">a&lt;b &amp; &quot;c&quot;</field><field name=\"z\" null=\"true\"/>"
-                           "<field name=\"b\" encoding=\"hex\">0001</field>"
-                           "<field name=\"ctl\" encoding=\"hex\">7801</field></row>"),
-            std::string::npos)
+  EXPECT_NE(
+      xml.str().find("<row><field name=\"n\">1</field><field name=\"d\">12345678901234567890.5</field>"
+                     "<field name=\"s\">a&lt;b &amp; &quot;c&quot;</field><field name=\"z\" null=\"true\"/>"
+                     "<field name=\"b\" encoding=\"hex\">0001</field>"
+                     "<field name=\"ctl\" encoding=\"hex\">7801</field></row>"),
+      std::string::npos)
       << xml.str();
   EXPECT_EQ(json.str(),
             "[\n{\"n\":1,\"d\":12345678901234567890.5,\"s\":\"a<b & \\\"c\\\"\",\"z\":null,\"b\":\"0001\","
             "\"ctl\":\"x\\u0001\"}\n]\n");
-  EXPECT_EQ(text.str(), std::string("n\td\ts\tz\tb\tctl\n1\t12345678901234567890.5\ta<b & \"c\"\t\t0001\tx\x01\n"));
+  EXPECT_EQ(text.str(),
+            std::string("n\td\ts\tz\tb\tctl\n1\t12345678901234567890.5\ta<b & \"c\"\t\t0001\tx\x01\n"));
 }
 
 TEST_F(ExportTest, FailedOrStoppedExportLeavesNoFile) {

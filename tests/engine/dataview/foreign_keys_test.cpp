@@ -1,8 +1,9 @@
+#include "engine/dataview/foreign_keys.h"
+
 #include <gtest/gtest.h>
 
 #include "engine/connect/my_query.h"
 #include "engine/connect/sql_monitor.h"
-#include "engine/dataview/foreign_keys.h"
 #include "test_server.h"
 
 namespace lomarin::dataview {
@@ -18,10 +19,12 @@ TEST(ForeignKeys, ListsReferencingColumnsAndTheirValueQuery) {
   EXPECT_EQ(keys[0].REFERENCED_TABLE_NAME, "products");
   EXPECT_EQ(keys[0].REFERENCED_COLUMN_NAME, "product_id");
   EXPECT_EQ(TMyFKS::ReferencedValuesSQL(keys[0]), "select product_id from lomarin_demo.products");
-  EXPECT_EQ(test::scalar(*session, "select count(*) from (" + TMyFKS::ReferencedValuesSQL(keys[0]) + ") v"), "200");
+  EXPECT_EQ(test::scalar(*session, "select count(*) from (" + TMyFKS::ReferencedValuesSQL(keys[0]) + ") v"),
+            "200");
 
   EXPECT_EQ(TMyFKS::LoadSQL(*session, "o'db", "t"),
-            "SELECT * \nFROM information_schema.KEY_COLUMN_USAGE \n WHERE TABLE_SCHEMA ='o\\'db' AND TABLE_NAME ='t' "
+            "SELECT * \nFROM information_schema.KEY_COLUMN_USAGE \n WHERE TABLE_SCHEMA ='o\\'db' AND "
+            "TABLE_NAME ='t' "
             "AND \n CONSTRAINT_NAME <>'PRIMARY'\n AND REFERENCED_TABLE_NAME is not null");
   // Each load replaces the list.
   keys.Load(*session, "lomarin_demo", "raw_import");

@@ -57,12 +57,14 @@ TEST_F(RowWriterTest, UpdatesExactlyTheEditedRowIncludingBlobAndFourByteText) {
             "`content` = X'00FF27225C0A' WHERE `media_id` = 3");
   TRowPoster(*session, writer).Update(before, after);
   EXPECT_EQ(test::scalar(*session, "select caption from product_media where media_id = 3"), "it's 😀 \\ new");
-  EXPECT_EQ(test::scalar(*session, "select hex(content) from product_media where media_id = 3"), "00FF27225C0A");
+  EXPECT_EQ(test::scalar(*session, "select hex(content) from product_media where media_id = 3"),
+            "00FF27225C0A");
   // The other rows are untouched.
-  EXPECT_EQ(test::scalar(*session,
-                         "select count(*) from product_media p join lomarin_demo.product_media d using (media_id) "
-                         "where not (p.caption <=> d.caption and p.content <=> d.content)"),
-            "1");
+  EXPECT_EQ(
+      test::scalar(*session,
+                   "select count(*) from product_media p join lomarin_demo.product_media d using (media_id) "
+                   "where not (p.caption <=> d.caption and p.content <=> d.content)"),
+      "1");
   // Writing back what the row already holds is not an error.
   TRowPoster(*session, writer).Update(after, after);
   TRecord same = after;
@@ -78,8 +80,9 @@ TEST_F(RowWriterTest, InsertAndDeleteTouchOneRow) {
   values[2] = {false, "new.bin"};
   values[6] = {false, std::string("\0\x01", 2)};
   given[2] = given[6] = true;
-  EXPECT_EQ(writer.InsertSQL(values, given),
-            "INSERT INTO `lomarin_test`.`product_media` (`file_name`, `content`) VALUES ('new.bin', X'0001')");
+  EXPECT_EQ(
+      writer.InsertSQL(values, given),
+      "INSERT INTO `lomarin_test`.`product_media` (`file_name`, `content`) VALUES ('new.bin', X'0001')");
   const uint64_t id = TRowPoster(*session, writer).Insert(values, given);
   EXPECT_GT(id, 10u);
   const std::string where = " from product_media where media_id = " + std::to_string(id);
@@ -106,19 +109,23 @@ TEST_F(RowWriterTest, ResultsWithoutAnIdentifyingKeyAreReadOnly) {
 
   EXPECT_EQ(open("select 1 + 1").ReadOnlyReason(), "Read-only: the result is not read from a table");
   copyDemo("product_media");
-  EXPECT_EQ(open("select caption from product_media").ReadOnlyReason(),
-            "Read-only: `product_media` has no primary key or unique key over NOT NULL columns in this result");
+  EXPECT_EQ(
+      open("select caption from product_media").ReadOnlyReason(),
+      "Read-only: `product_media` has no primary key or unique key over NOT NULL columns in this result");
 }
 
 TEST_F(RowWriterTest, KeyChoiceSkipsNullableUniqueKeys) {
-  scratch("uk", "(a INT NULL, b INT NOT NULL, c INT NOT NULL, v VARCHAR(10), UNIQUE KEY ua (a), UNIQUE KEY ubc (b, c))",
-          "(NULL, 1, 2, 'x'), (NULL, 1, 3, 'y')");
+  scratch(
+      "uk",
+      "(a INT NULL, b INT NOT NULL, c INT NOT NULL, v VARCHAR(10), UNIQUE KEY ua (a), UNIQUE KEY ubc (b, c))",
+      "(NULL, 1, 2, 'x'), (NULL, 1, 3, 'y')");
   TRecord before;
   TRowWriter writer = open("select * from uk order by c", &before);
   ASSERT_TRUE(writer.Editable());
   TRecord after = before;
   after[3] = {false, "z"};
-  EXPECT_EQ(writer.UpdateSQL(before, after), "UPDATE `lomarin_test`.`uk` SET `v` = 'z' WHERE `b` = 1 AND `c` = 2");
+  EXPECT_EQ(writer.UpdateSQL(before, after),
+            "UPDATE `lomarin_test`.`uk` SET `v` = 'z' WHERE `b` = 1 AND `c` = 2");
   TRowPoster(*session, writer).Update(before, after);
   EXPECT_EQ(test::scalar(*session, "select group_concat(v order by c) from uk"), "z,y");
 
@@ -128,7 +135,8 @@ TEST_F(RowWriterTest, KeyChoiceSkipsNullableUniqueKeys) {
 
 TEST_F(RowWriterTest, NumbersAreWrittenDigitForDigitAndGeneratedColumnsNever) {
   scratch("nums",
-          "(id BIGINT UNSIGNED PRIMARY KEY, d DECIMAL(30,10), f DOUBLE, g BIGINT AS (d * 2) VIRTUAL, t VARBINARY(8))",
+          "(id BIGINT UNSIGNED PRIMARY KEY, d DECIMAL(30,10), f DOUBLE, g BIGINT AS (d * 2) VIRTUAL, t "
+          "VARBINARY(8))",
           "(18446744073709551615, 12345678901234567890.0123456789, 1.5, DEFAULT, NULL)");
   TRecord before;
   TRowWriter writer = open("select * from nums", &before);
@@ -137,7 +145,8 @@ TEST_F(RowWriterTest, NumbersAreWrittenDigitForDigitAndGeneratedColumnsNever) {
   after[1] = {false, "98765432109876543210.9876543210"};
   after[3] = {false, "7"};
   EXPECT_EQ(writer.UpdateSQL(before, after),
-            "UPDATE `lomarin_test`.`nums` SET `d` = 98765432109876543210.9876543210 WHERE `id` = 18446744073709551615");
+            "UPDATE `lomarin_test`.`nums` SET `d` = 98765432109876543210.9876543210 WHERE `id` = "
+            "18446744073709551615");
   TRowPoster(*session, writer).Update(before, after);
   EXPECT_EQ(test::scalar(*session, "select d from nums"), "98765432109876543210.9876543210");
 

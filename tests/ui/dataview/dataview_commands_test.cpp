@@ -1,3 +1,5 @@
+#include "ui/dataview/dataview_commands.h"
+
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QTemporaryDir>
@@ -7,7 +9,6 @@
 #include "test_server.h"
 #include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
-#include "ui/dataview/dataview_commands.h"
 #include "ui/dataview/form_data.h"
 #include "ui_test_registry.h"
 

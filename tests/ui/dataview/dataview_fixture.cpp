@@ -11,7 +11,8 @@ DataviewFixture::DataviewFixture(const std::string& database)
   session = connect(database);
   session->setMonitor(&monitor);
   session->Events.OnError = [this](const ServerError& error) { serverErrors.push_back(error.message()); };
-  monitor.addListener([this](const std::string& line) { statements.push_back(line.substr(line.find("] ") + 2)); });
+  monitor.addListener(
+      [this](const std::string& line) { statements.push_back(line.substr(line.find("] ") + 2)); });
   area.resize(1000, 700);
   // Table windows load their data when shown.
   area.show();
@@ -21,6 +22,8 @@ DataviewFixture::~DataviewFixture() { session->setMonitor(nullptr); }
 
 std::vector<std::string> DataviewFixture::takeStatements() { return std::exchange(statements, {}); }
 
-std::string DataviewFixture::lastStatement() { return statements.empty() ? std::string() : statements.back(); }
+std::string DataviewFixture::lastStatement() {
+  return statements.empty() ? std::string() : statements.back();
+}
 
 }  // namespace lomarin::test

@@ -33,7 +33,9 @@ struct Grid {
   bool edit(int row, int column, const QString& text) {
     return model().setData(model().index(row, column), text, Qt::EditRole);
   }
-  QString text(int row, int column) { return model().data(model().index(row, column), Qt::EditRole).toString(); }
+  QString text(int row, int column) {
+    return model().data(model().index(row, column), Qt::EditRole).toString();
+  }
 
   TframeData frame;
   QStringList shown;
@@ -51,9 +53,9 @@ class EditingTest : public QObject {
     f.takeStatements();
 
     QVERIFY(grid.edit(3, 3, "Émoji 🎉 o'k"));
-    QCOMPARE(f.takeStatements(),
-             (std::vector<std::string>{"UPDATE `lomarin_test`.`product_media` SET `caption` = 'Émoji 🎉 o\\'k' "
-                                       "WHERE `media_id` = 4"}));
+    QCOMPARE(f.takeStatements(), (std::vector<std::string>{
+                                     "UPDATE `lomarin_test`.`product_media` SET `caption` = 'Émoji 🎉 o\\'k' "
+                                     "WHERE `media_id` = 4"}));
     // The BLOB column is edited as hex digits and written as bytes.
     QCOMPARE(grid.text(2, 6), QString("00275C220A0D1AFF0027"));
     QVERIFY(grid.edit(2, 6, "00ff5c27"));
@@ -61,9 +63,10 @@ class EditingTest : public QObject {
              std::string("Émoji 🎉 o'k"));
     QCOMPARE(test::scalar(*f.session, "select hex(content) from product_media where media_id = 3"),
              std::string("00FF5C27"));
-    QCOMPARE(test::scalar(*f.session,
-                          "select count(*) from product_media p join lomarin_demo.product_media d using (media_id) "
-                          "where not (p.caption <=> d.caption and p.content <=> d.content)"),
+    QCOMPARE(test::scalar(
+                 *f.session,
+                 "select count(*) from product_media p join lomarin_demo.product_media d using (media_id) "
+                 "where not (p.caption <=> d.caption and p.content <=> d.content)"),
              std::string("2"));
     QCOMPARE(grid.text(2, 6), QString("00FF5C27"));
     QVERIFY(!grid.edit(2, 6, "abc"));
@@ -103,10 +106,12 @@ class EditingTest : public QObject {
     f.takeStatements();
     // Leaving the row posts it.
     grid.frame.grid()->setCurrentIndex(grid.model().index(0, 0));
-    QCOMPARE(f.takeStatements(), (std::vector<std::string>{"INSERT INTO `lomarin_test`.`product_media` "
-                                                           "(`file_name`, `content`) VALUES ('added.txt', X'CAFE')"}));
+    QCOMPARE(f.takeStatements(),
+             (std::vector<std::string>{"INSERT INTO `lomarin_test`.`product_media` "
+                                       "(`file_name`, `content`) VALUES ('added.txt', X'CAFE')"}));
     QCOMPARE(grid.text(row, 0), QString("11"));
-    QCOMPARE(test::scalar(*f.session, "select concat(file_name, hex(content)) from product_media where media_id = 11"),
+    QCOMPARE(test::scalar(*f.session,
+                          "select concat(file_name, hex(content)) from product_media where media_id = 11"),
              std::string("added.txtCAFE"));
 
     grid.frame.grid()->setCurrentIndex(grid.model().index(1, 0));
@@ -135,15 +140,17 @@ class EditingTest : public QObject {
     QApplication::clipboard()->setText("a.txt\tfirst\nb.txt\tsecond\n");
     grid.frame.grid()->setCurrentIndex(grid.model().index(8, 2));
     grid.frame.PasteCells();
-    QCOMPARE(test::scalar(*f.session, "select group_concat(file_name, ':', caption order by media_id) from "
-                                      "product_media where media_id >= 9"),
+    QCOMPARE(test::scalar(*f.session,
+                          "select group_concat(file_name, ':', caption order by media_id) from "
+                          "product_media where media_id >= 9"),
              std::string("a.txt:first,b.txt:second"));
     // Rows past the end are added.
     grid.frame.grid()->setCurrentIndex(grid.model().index(9, 2));
     grid.frame.PasteCells();
     QCOMPARE(grid.model().rowCount(), 11);
-    QCOMPARE(test::scalar(*f.session, "select group_concat(media_id, file_name, ':', caption order by media_id) from "
-                                      "product_media where media_id >= 9"),
+    QCOMPARE(test::scalar(*f.session,
+                          "select group_concat(media_id, file_name, ':', caption order by media_id) from "
+                          "product_media where media_id >= 9"),
              std::string("9a.txt:first,10a.txt:first,11b.txt:second"));
   }
 

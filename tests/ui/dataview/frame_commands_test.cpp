@@ -41,7 +41,8 @@ class FrameCommandsTest : public QObject {
     QString warning;
     answerBox(QMessageBox::Cancel, &warning);
     frame->CopyGrid();
-    QCOMPARE(warning, QString("All table records will be loaded in memory, this operation may \r\ntake some time"));
+    QCOMPARE(warning,
+             QString("All table records will be loaded in memory, this operation may \r\ntake some time"));
     QCOMPARE(QApplication::clipboard()->text(), QString("before"));
     QCOMPARE(frame->model()->rowCount(), 1000);
 
@@ -64,8 +65,9 @@ class FrameCommandsTest : public QObject {
     QCOMPARE(QApplication::clipboard()->text(), QString("Coffee & Tea"));
     frame->grid()->selectionModel()->select(frame->model()->index(0, 0), QItemSelectionModel::Select);
     frame->CopySelectedRows();
-    QCOMPARE(QApplication::clipboard()->text(), QString("1\t\tFood\tGroceries and delicatessen\n4\t1\tCoffee & Tea\t"
-                                                        "Beans, leaves and capsules"));
+    QCOMPARE(QApplication::clipboard()->text(),
+             QString("1\t\tFood\tGroceries and delicatessen\n4\t1\tCoffee & Tea\t"
+                     "Beans, leaves and capsules"));
 
     const QString file = f.folder.filePath("categories.csv");
     QVERIFY(frame->ExportTo(dataview::TExportFormat::Csv, file));

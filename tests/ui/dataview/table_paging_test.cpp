@@ -45,36 +45,44 @@ class TablePagingTest : public QObject {
     TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false);
     TframeData* frame = window->frameData();
     QCOMPARE(window->windowTitle(), QString("TABLE [ `CUSTOMERS` ]"));
-    QCOMPARE(f.takeStatements(),
-             (Statements{"show keys FROM `customers`",
-                         "SELECT * \nFROM information_schema.KEY_COLUMN_USAGE \n WHERE TABLE_SCHEMA ='lomarin_demo' AND "
-                         "TABLE_NAME ='customers' AND \n CONSTRAINT_NAME <>'PRIMARY'\n AND REFERENCED_TABLE_NAME is not null",
-                         "select * from `customers`\nLIMIT 0,100", "SHOW COLUMNS FROM `lomarin_demo`.`customers`",
-                         "SHOW KEYS FROM `lomarin_demo`.`customers`", "Select count(*)  From `customers`"}));
+    QCOMPARE(
+        f.takeStatements(),
+        (Statements{
+            "show keys FROM `customers`",
+            "SELECT * \nFROM information_schema.KEY_COLUMN_USAGE \n WHERE TABLE_SCHEMA ='lomarin_demo' AND "
+            "TABLE_NAME ='customers' AND \n CONSTRAINT_NAME <>'PRIMARY'\n AND REFERENCED_TABLE_NAME is not "
+            "null",
+            "select * from `customers`\nLIMIT 0,100", "SHOW COLUMNS FROM `lomarin_demo`.`customers`",
+            "SHOW KEYS FROM `lomarin_demo`.`customers`", "Select count(*)  From `customers`"}));
     QCOMPARE(frame->model()->rowCount(), 100);
     QCOMPARE(frame->Paging().LastPageStart(), int64_t(200));
     QCOMPARE(frame->recordText(), QString("Record  1 / 100"));
     QCOMPARE(frame->model()->keyColumn(), QString("customer_id"));
     Bar bar{frame};
-    QCOMPARE(bar.state(), (QStringList{"LIMIT 0,100 off", "LIMIT 0,100 off", "LIMIT 100,100 on", "LIMIT 200,100 on"}));
+    QCOMPARE(bar.state(),
+             (QStringList{"LIMIT 0,100 off", "LIMIT 0,100 off", "LIMIT 100,100 on", "LIMIT 200,100 on"}));
 
     bar.button("spright")->click();
     QCOMPARE(f.lastStatement(), std::string("select * from `customers`\nLIMIT 100,100"));
-    QCOMPARE(bar.state(), (QStringList{"LIMIT 0,100 on", "LIMIT 0,100 on", "LIMIT 200,100 on", "LIMIT 200,100 on"}));
+    QCOMPARE(bar.state(),
+             (QStringList{"LIMIT 0,100 on", "LIMIT 0,100 on", "LIMIT 200,100 on", "LIMIT 200,100 on"}));
 
     bar.button("sprightall")->click();
     QCOMPARE(f.lastStatement(), std::string("select * from `customers`\nLIMIT 200,100"));
     QCOMPARE(frame->model()->rowCount(), 50);
     QCOMPARE(frame->Paging().PageEnd(), int64_t(300));
-    QCOMPARE(bar.state(), (QStringList{"LIMIT 0,100 on", "LIMIT 0,100 on", "LIMIT 300,100 off", "LIMIT 200,100 off"}));
+    QCOMPARE(bar.state(),
+             (QStringList{"LIMIT 0,100 on", "LIMIT 0,100 on", "LIMIT 300,100 off", "LIMIT 200,100 off"}));
 
     bar.button("spleft")->click();
     QCOMPARE(f.lastStatement(), std::string("select * from `customers`\nLIMIT 0,100"));
-    QCOMPARE(bar.state(), (QStringList{"LIMIT 0,100 on", "LIMIT 0,100 on", "LIMIT 200,100 on", "LIMIT 200,100 on"}));
+    QCOMPARE(bar.state(),
+             (QStringList{"LIMIT 0,100 on", "LIMIT 0,100 on", "LIMIT 200,100 on", "LIMIT 200,100 on"}));
 
     bar.button("spleftall")->click();
     QCOMPARE(f.lastStatement(), std::string("select * from `customers`\nLIMIT 0,100"));
-    QCOMPARE(bar.state(), (QStringList{"LIMIT 0,100 off", "LIMIT 0,100 off", "LIMIT 100,100 on", "LIMIT 200,100 on"}));
+    QCOMPARE(bar.state(),
+             (QStringList{"LIMIT 0,100 off", "LIMIT 0,100 off", "LIMIT 100,100 on", "LIMIT 200,100 on"}));
 
     // The same name opens no second window.
     QCOMPARE(openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false), window);
@@ -83,7 +91,8 @@ class TablePagingTest : public QObject {
 
   void exactMultipleShowsAnEmptyLastPage() {
     test::DataviewFixture f;
-    TframeData* frame = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "products", false)->frameData();
+    TframeData* frame =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "products", false)->frameData();
     Bar bar{frame};
     QCOMPARE(frame->Paging().LastPageStart(), int64_t(200));
     bar.button("sprightall")->click();
@@ -99,7 +108,8 @@ class TablePagingTest : public QObject {
     auto* filter = frame->findChild<QLineEdit*>("edtFilter");
     filter->setText("customer_id > 240");
     QTest::keyClick(filter, Qt::Key_Return);
-    QCOMPARE(f.lastStatement(), std::string("select * from `customers`\n where  customer_id > 240\nLIMIT 0,100"));
+    QCOMPARE(f.lastStatement(),
+             std::string("select * from `customers`\n where  customer_id > 240\nLIMIT 0,100"));
     QCOMPARE(frame->model()->rowCount(), 10);
 
     filter->clear();
@@ -110,16 +120,21 @@ class TablePagingTest : public QObject {
     QHeaderView* header = frame->grid()->horizontalHeader();
     const int idColumn = 0;
     emit header->sectionClicked(idColumn);
-    QCOMPARE(f.lastStatement(), std::string("select * from `customers`\n\norder by `customer_id` ASC\nLIMIT 0,100"));
+    QCOMPARE(f.lastStatement(),
+             std::string("select * from `customers`\n\norder by `customer_id` ASC\nLIMIT 0,100"));
     emit header->sectionClicked(idColumn);
-    QCOMPARE(f.lastStatement(), std::string("select * from `customers`\n\norder by `customer_id` DESC\nLIMIT 0,100"));
-    QCOMPARE(frame->model()->data(frame->model()->index(0, idColumn), Qt::DisplayRole).toString(), QString("250"));
+    QCOMPARE(f.lastStatement(),
+             std::string("select * from `customers`\n\norder by `customer_id` DESC\nLIMIT 0,100"));
+    QCOMPARE(frame->model()->data(frame->model()->index(0, idColumn), Qt::DisplayRole).toString(),
+             QString("250"));
 
     // The filter keeps the sort and the page.
     filter->setText("customer_id < 5");
     QTest::keyClick(filter, Qt::Key_Return);
-    QCOMPARE(f.lastStatement(),
-             std::string("select * from `customers`\n where  customer_id < 5\norder by `customer_id` DESC\nLIMIT 0,100"));
+    QCOMPARE(
+        f.lastStatement(),
+        std::string(
+            "select * from `customers`\n where  customer_id < 5\norder by `customer_id` DESC\nLIMIT 0,100"));
     QCOMPARE(frame->model()->rowCount(), 4);
 
     // A refused filter keeps the previous rows and state.
@@ -137,19 +152,23 @@ class TablePagingTest : public QObject {
     f.takeStatements();
     const auto parents = frame->FilterValues(1, 50);
     QCOMPARE(f.takeStatements(), (Statements{"Select DISTINCT `parent_id` From `categories`"}));
-    const auto nullEntry = std::find_if(parents.begin(), parents.end(), [](const auto& v) { return v.second == "NULL"; });
+    const auto nullEntry =
+        std::find_if(parents.begin(), parents.end(), [](const auto& v) { return v.second == "NULL"; });
     QVERIFY(nullEntry != parents.end());
     QCOMPARE(nullEntry->first, QString("(NULL)"));
     QVERIFY(frame->FilterOnValue(1, "NULL"));
-    QCOMPARE(f.lastStatement(), std::string("select * from `categories`\n where  `parent_id` IS NULL\nLIMIT 0,100"));
+    QCOMPARE(f.lastStatement(),
+             std::string("select * from `categories`\n where  `parent_id` IS NULL\nLIMIT 0,100"));
     const int roots = frame->model()->rowCount();
     QVERIFY(roots > 0);
 
     const auto names = frame->FilterValues(2, 50);
-    const auto coffee = std::find_if(names.begin(), names.end(), [](const auto& v) { return v.first == "Coffee & Tea"; });
+    const auto coffee =
+        std::find_if(names.begin(), names.end(), [](const auto& v) { return v.first == "Coffee & Tea"; });
     QVERIFY(coffee != names.end());
     QVERIFY(frame->FilterOnValue(2, coffee->second));
-    QCOMPARE(f.lastStatement(), std::string("select * from `categories`\n where  `name` = 'Coffee & Tea'\nLIMIT 0,100"));
+    QCOMPARE(f.lastStatement(),
+             std::string("select * from `categories`\n where  `name` = 'Coffee & Tea'\nLIMIT 0,100"));
     QCOMPARE(frame->model()->rowCount(), 1);
     // No value list for memo columns.
     QVERIFY(frame->FilterValues(3, 50).empty());
@@ -186,7 +205,8 @@ class TablePagingTest : public QObject {
     QCOMPARE(f.settings->read(opt::LimitIncrementValue), std::string("30"));
     QCOMPARE(f.lastStatement(), std::string("select * from `customers`\n\nLIMIT 0,60"));
     QCOMPARE(frame->Paging().LastPageStart(), int64_t(240));
-    QCOMPARE(bar.state(), (QStringList{"LIMIT 0,60 off", "LIMIT 0,60 off", "LIMIT 60,60 on", "LIMIT 240,60 on"}));
+    QCOMPARE(bar.state(),
+             (QStringList{"LIMIT 0,60 off", "LIMIT 0,60 off", "LIMIT 60,60 on", "LIMIT 240,60 on"}));
   }
 };
 

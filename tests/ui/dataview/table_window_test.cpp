@@ -24,7 +24,8 @@ QStringList tabTexts(QTabWidget* tabs) {
 }
 
 bool sent(const std::vector<std::string>& statements, const std::string& prefix) {
-  return std::any_of(statements.begin(), statements.end(), [&](const std::string& s) { return s.starts_with(prefix); });
+  return std::any_of(statements.begin(), statements.end(),
+                     [&](const std::string& s) { return s.starts_with(prefix); });
 }
 
 class TableWindowTest : public QObject {
@@ -32,9 +33,11 @@ class TableWindowTest : public QObject {
  private slots:
   void tabsLoadWhenFirstShown() {
     test::DataviewFixture f;
-    TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "product_media", false);
+    TformData* window =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "product_media", false);
     QTabWidget* tabs = window->tabs();
-    QCOMPARE(tabTexts(tabs), (QStringList{"&Data", "&Columns", "F&oreign Keys", "&Triggers", "Partitions", "&Script"}));
+    QCOMPARE(tabTexts(tabs),
+             (QStringList{"&Data", "&Columns", "F&oreign Keys", "&Triggers", "Partitions", "&Script"}));
     QVERIFY(!sent(f.statements, "DESC "));
     QCOMPARE(window->foreignKeys().Count(), size_t(1));
 
@@ -75,7 +78,8 @@ class TableWindowTest : public QObject {
   void viewWindowHasNoPagingAndTableTabs() {
     test::DataviewFixture f;
     f.settings->write(opt::UseLimit, false);
-    TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "v_customer_revenue", true);
+    TformData* window =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "v_customer_revenue", true);
     QCOMPARE(window->windowTitle(), QString("VIEW [ `V_CUSTOMER_REVENUE` ]"));
     QCOMPARE(tabTexts(window->tabs()), (QStringList{"&Data", "&Columns", "&Script"}));
     QVERIFY(!window->frameData()->findChild<QFrame*>("cxgrbolimit")->isVisible());
@@ -89,20 +93,21 @@ class TableWindowTest : public QObject {
 
   void refreshDataReloadsOnlyItsOwnTable() {
     test::DataviewFixture f;
-    TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false);
+    TformData* window =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false);
     f.takeStatements();
     window->RefreshData("lomarin_demo", "customers");
     QVERIFY(f.takeStatements().empty());
     window->RefreshData("lomarin_demo", "categories");
-    QCOMPARE(f.takeStatements(),
-             (std::vector<std::string>{"select * from `categories`\nLIMIT 0,100",
-                                       "SHOW COLUMNS FROM `lomarin_demo`.`categories`",
-                                       "SHOW KEYS FROM `lomarin_demo`.`categories`"}));
+    QCOMPARE(f.takeStatements(), (std::vector<std::string>{"select * from `categories`\nLIMIT 0,100",
+                                                           "SHOW COLUMNS FROM `lomarin_demo`.`categories`",
+                                                           "SHOW KEYS FROM `lomarin_demo`.`categories`"}));
   }
 
   void rendersOrderItemsWithTheLimitBar() {
     test::DataviewFixture f;
-    TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "order_items", false);
+    TformData* window =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "order_items", false);
     window->parentWidget()->showMaximized();
     QCOMPARE(window->frameData()->model()->rowCount(), 100);
     QCOMPARE(window->frameData()->Paging().LastPageStart(), int64_t(100000));
