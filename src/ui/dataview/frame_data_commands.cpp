@@ -176,7 +176,7 @@ std::vector<std::pair<QString, std::string>> TframeData::FilterValues(int column
   const auto& fields = model_->fields();
   if (TableName.empty() || column < 0 || column >= static_cast<int>(fields.size())) return values;
   const TMyField& field = fields[static_cast<size_t>(column)];
-  if (dataview::IsBlobOrMemoField(field)) return values;
+  if (dataview::IsBlobOrMemoField(field) || dataview::IsDateTimeField(field)) return values;
   try {
     TMyQuery query(session_);
     query.SQL = dataview::DistinctValuesSQL(dataview::BackQuote(field.Name), TableName);

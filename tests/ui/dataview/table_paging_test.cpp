@@ -174,6 +174,19 @@ class TablePagingTest : public QObject {
     QVERIFY(frame->FilterValues(3, 50).empty());
   }
 
+  void zeroPageSizeLeavesPagingOff() {
+    test::DataviewFixture f;
+    f.settings->write(opt::LimitSize, "0");
+    TformData window(*f.session, *f.settings, "lomarin_demo", "customers", false);
+    QStringList shown;
+    window.frameData()->ErrorDisplay = [&shown](const QString& message) { shown << message; };
+    window.show();
+    QCOMPARE(shown, QStringList{"Division by zero"});
+    Bar bar{window.frameData()};
+    for (const char* name : {"spleftall", "spleft", "spright", "sprightall"})
+      QVERIFY2(!bar.button(name)->isEnabled(), name);
+  }
+
   void activeBoxAndLimitSettingsRestartPaging() {
     test::DataviewFixture f;
     TframeData* frame =
