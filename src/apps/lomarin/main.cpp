@@ -1,6 +1,8 @@
 #include "ui/app/startup.h"
+#include "ui/dataview/dataview_commands.h"
 #include "ui/transfer/transfer_commands.h"
 
 int main(int argc, char** argv) {
-  return lomarin::ui::runLomarin(argc, argv, {lomarin::ui::installTransferCommands});
+  return lomarin::ui::runLomarin(
+      argc, argv, {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands});
 }
