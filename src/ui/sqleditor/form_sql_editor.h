@@ -114,6 +114,7 @@ class TformSQLEditor : public QWidget {
   // A query or script is on its way; runningThread_ is the session a query runs on.
   bool running_ = false;
   unsigned long runningThread_ = 0;
+  bool stopRequested_ = false;
   int firstRowCount_ = 0;
 
   QToolBar* tbSQL_;

@@ -49,6 +49,8 @@ TSqlCompleter::TSqlCompleter(QsciScintilla* memo, std::vector<TCompletionItem> k
   // Lists keep the order they are given in, and typing still narrows them.
   memo_->SendScintilla(QsciScintillaBase::SCI_AUTOCSETORDER, 2);
   memo_->SendScintilla(QsciScintillaBase::SCI_AUTOCSETIGNORECASE, 1);
+  // Letters typed while a list is up go on into the word; the list stays until a choice.
+  memo_->SendScintilla(QsciScintillaBase::SCI_AUTOCSETAUTOHIDE, 0);
   connect(memo_, &QsciScintilla::userListActivated, this, &TSqlCompleter::activated);
 }
 
@@ -63,15 +65,26 @@ void TSqlCompleter::registerImages() {
 }
 
 void TSqlCompleter::showKeywords() {
-  std::vector<TCompletionItem> items = keywords_;
-  std::vector<int> images(items.size(), ImgKeyword);
+  // The list holds what continues the word before the caret; choosing replaces that word.
+  const QString typed = QString::fromStdString(wordBefore(*memo_));
+  auto fits = [&](const std::string& text) {
+    return QString::fromStdString(text).startsWith(typed, Qt::CaseInsensitive);
+  };
+  std::vector<TCompletionItem> items;
+  std::vector<int> images;
+  for (const TCompletionItem& keyword : keywords_) {
+    if (!fits(keyword.Text)) continue;
+    items.push_back(keyword);
+    images.push_back(ImgKeyword);
+  }
   if (sources_.DatabaseObjects) {
     for (const TDbObjectItem& object : sources_.DatabaseObjects()) {
+      if (!fits(object.Name.toStdString())) continue;
       items.push_back({object.Name.toStdString(), object.Name.toStdString()});
       images.push_back(imageOf(object.ObjectKind));
     }
   }
-  show(KeywordList, std::move(items), images);
+  if (!items.empty()) show(KeywordList, std::move(items), images);
 }
 
 void TSqlCompleter::showSnippets() {

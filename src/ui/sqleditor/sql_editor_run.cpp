@@ -119,6 +119,7 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
   {
     DetachedSessionHandlers detached(ctx_.Session);
     runningThread_ = ctx_.Session.ThreadId();
+    stopRequested_ = false;
     setRunning(true);
     try {
       RunOffUiThread([&] { results = OpenAllResults(ctx_.Session, sql); }, [this] { Stop(); }, this, "Run SQL");
@@ -126,6 +127,8 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
       failure = error;
     }
     setRunning(false);
+    // The user asked for the interruption; its error tells nothing new.
+    if (failure && stopRequested_) return;
     if (failure && detached.onError()) {
       detached.onError()(*failure);
       return;
@@ -169,6 +172,7 @@ void TformSQLEditor::RunEditorScript() {
 void TformSQLEditor::Stop() {
   myScript_->BreakExec();
   if (!running_ || runningThread_ == 0) return;
+  stopRequested_ = true;
   try {
     KillQuery(ctx_.Session.Settings, runningThread_);
   } catch (const ServerError& error) {
