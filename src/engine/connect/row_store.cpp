@@ -6,19 +6,17 @@ namespace lomarin {
 
 void RowStore::reset(size_t columns) {
   columns_ = columns;
-  cells_.clear();
+  rows_.clear();
+  cellEnds_.clear();
   blocks_.clear();
   large_.clear();
   blockUsed_ = kBlockSize;
 }
 
-const char* RowStore::keep(const char* bytes, size_t length) {
-  static const char kEmpty[] = "";
-  if (length == 0) return kEmpty;
+char* RowStore::allocate(size_t length) {
   if (length > kBlockSize / 4) {
-    // Large values get a block of their own, so the shared block is not wasted.
+    // Large rows get a block of their own, so the shared block is not wasted.
     large_.push_back(std::make_unique<char[]>(length));
-    std::memcpy(large_.back().get(), bytes, length);
     return large_.back().get();
   }
   if (blockUsed_ + length > kBlockSize) {
@@ -26,24 +24,33 @@ const char* RowStore::keep(const char* bytes, size_t length) {
     blockUsed_ = 0;
   }
   char* target = blocks_.back().get() + blockUsed_;
-  std::memcpy(target, bytes, length);
   blockUsed_ += length;
   return target;
 }
 
 void RowStore::append(const char* const* values, const unsigned long* lengths) {
+  size_t total = 0;
+  for (size_t i = 0; i < columns_; ++i)
+    if (values[i]) total += lengths[i];
+  char* row = total ? allocate(total) : nullptr;
+  uint32_t offset = 0;
   for (size_t i = 0; i < columns_; ++i) {
     if (!values[i]) {
-      cells_.push_back({nullptr, 0});
-    } else {
-      cells_.push_back({keep(values[i], lengths[i]), lengths[i]});
+      cellEnds_.push_back(offset | kNull);
+      continue;
     }
+    if (lengths[i]) std::memcpy(row + offset, values[i], lengths[i]);
+    offset += static_cast<uint32_t>(lengths[i]);
+    cellEnds_.push_back(offset);
   }
+  rows_.push_back(row);
 }
 
 std::string_view RowStore::value(size_t row, size_t column) const {
-  const Cell& c = cell(row, column);
-  return c.data ? std::string_view(c.data, c.length) : std::string_view();
+  if (isNull(row, column)) return {};
+  const uint32_t start = column == 0 ? 0 : end(row, column - 1);
+  const char* bytes = rows_[row];
+  return bytes ? std::string_view(bytes + start, end(row, column) - start) : std::string_view("", 0);
 }
 
 }  // namespace lomarin
