@@ -57,8 +57,10 @@ int main(int argc, char** argv) {
   const long after = statusKb("VmRSS:");
   std::printf("file             : %.1f MB\n", sizeMb);
   std::printf("open and show    : %.2f s (%.2f s of it reading into the memo)\n", seconds, loaded);
-  std::printf("memory added     : %.1f MB resident after, %.1f MB at the peak (%.2f and %.2f times the file)\n",
-              static_cast<double>(after - before) / 1024, static_cast<double>(peak - before) / 1024,
-              static_cast<double>(after - before) / 1024 / sizeMb, static_cast<double>(peak - before) / 1024 / sizeMb);
+  std::printf(
+      "memory added     : %.1f MB resident after, %.1f MB at the peak (%.2f and %.2f times the file)\n",
+      static_cast<double>(after - before) / 1024, static_cast<double>(peak - before) / 1024,
+      static_cast<double>(after - before) / 1024 / sizeMb,
+      static_cast<double>(peak - before) / 1024 / sizeMb);
   return 0;
 }

@@ -56,7 +56,8 @@ class Lexer {
     }
     if (c == '\'' || c == '"') {
       ++p_;
-      while (p_ < t_.size() && t_[p_] != c && t_[p_] != '\n') p_ += t_[p_] == '\\' && p_ + 1 < t_.size() ? 2 : 1;
+      while (p_ < t_.size() && t_[p_] != c && t_[p_] != '\n')
+        p_ += t_[p_] == '\\' && p_ + 1 < t_.size() ? 2 : 1;
       if (p_ < t_.size() && t_[p_] == c) ++p_;
       return token(TTokenType::String);
     }
@@ -136,7 +137,8 @@ class Analyzer {
     std::vector<Statement> out;
     size_t first = 0;
     for (size_t i = 0; i <= tokens_.size(); ++i) {
-      if (i < tokens_.size() && !(tokens_[i].Type == TTokenType::Symbol && textOf(tokens_[i]).find(';') != std::string_view::npos))
+      if (i < tokens_.size() &&
+          !(tokens_[i].Type == TTokenType::Symbol && textOf(tokens_[i]).find(';') != std::string_view::npos))
         continue;
       size_t begin = first;
       while (begin < i && tokens_[begin].Type == TTokenType::Comment) ++begin;
@@ -206,13 +208,15 @@ class Analyzer {
  private:
   // The source of tokens [first, end) with each run of white space as one blank.
   std::string spanText(size_t first, size_t end) const {
-    const std::string_view raw =
-        text_.substr(tokens_[first].Start, tokens_[end - 1].Start + tokens_[end - 1].Length - tokens_[first].Start);
+    const std::string_view raw = text_.substr(
+        tokens_[first].Start, tokens_[end - 1].Start + tokens_[end - 1].Length - tokens_[first].Start);
     std::string out;
     for (char c : raw) {
       const bool blank = std::isspace(static_cast<unsigned char>(c));
-      if (!blank) out += c;
-      else if (!out.empty() && out.back() != ' ') out += ' ';
+      if (!blank)
+        out += c;
+      else if (!out.empty() && out.back() != ' ')
+        out += ' ';
     }
     return out;
   }
@@ -225,7 +229,12 @@ class Analyzer {
 
   static const char* sectionName(const std::string& word) {
     static constexpr std::array<std::pair<std::string_view, const char*>, 6> kSections = {
-        {{"SELECT", "Select"}, {"FROM", "From"}, {"WHERE", "Where"}, {"GROUP", "Group"}, {"ORDER", "Order"}, {"JOIN", "From"}}};
+        {{"SELECT", "Select"},
+         {"FROM", "From"},
+         {"WHERE", "Where"},
+         {"GROUP", "Group"},
+         {"ORDER", "Order"},
+         {"JOIN", "From"}}};
     for (const auto& [key, name] : kSections)
       if (word == key) return name;
     return nullptr;
@@ -270,8 +279,10 @@ class Analyzer {
         if (IsSqlKeyword(word)) {
           const std::string key = upper(word);
           token.Type = TTokenType::MainKeyWords;
-          if (opensTableList(key)) expect = Expect::Table;
-          else if (!(key == "AS" && expect == Expect::AliasOrNext)) expect = Expect::Nothing;
+          if (opensTableList(key))
+            expect = Expect::Table;
+          else if (!(key == "AS" && expect == Expect::AliasOrNext))
+            expect = Expect::Nothing;
           continue;
         }
       }

@@ -7,7 +7,19 @@
 
 namespace lomarin {
 
-enum class TTokenType { Unknown, Comment, Identifier, Symbol, String, IntegerConst, FloatConst, TableName, Alias, Function, MainKeyWords };
+enum class TTokenType {
+  Unknown,
+  Comment,
+  Identifier,
+  Symbol,
+  String,
+  IntegerConst,
+  FloatConst,
+  TableName,
+  Alias,
+  Function,
+  MainKeyWords
+};
 
 // The name the editor shows for a token type ("Integer const", "Main KeyWords", ...).
 std::string_view TokenTypeName(TTokenType type);

@@ -22,7 +22,8 @@ std::vector<std::string> readLines(const std::filesystem::path& file) {
 bool equalNoCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i)
-    if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) return false;
+    if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+      return false;
   return true;
 }
 
@@ -46,7 +47,8 @@ std::vector<TCompletionItem> LoadKeywordItems(const std::filesystem::path& items
   return out;
 }
 
-std::optional<std::string> ColumnSourceTable(std::string_view text, size_t caret, std::span<const std::string> tables) {
+std::optional<std::string> ColumnSourceTable(std::string_view text, size_t caret,
+                                             std::span<const std::string> tables) {
   if (caret < 3 || caret > text.size() || text[caret - 1] != '.') return std::nullopt;
   size_t start = caret - 1;
   while (start > 0) {
@@ -65,7 +67,8 @@ std::optional<std::string> ColumnSourceTable(std::string_view text, size_t caret
 
 std::string DescStatement(std::string_view table) { return "DESC " + std::string(table); }
 
-std::vector<TCompletionItem> ColumnItems(const std::vector<std::pair<std::string, std::string>>& fieldsAndTypes) {
+std::vector<TCompletionItem> ColumnItems(
+    const std::vector<std::pair<std::string, std::string>>& fieldsAndTypes) {
   std::vector<TCompletionItem> out{{"*", "<ALL>"}};
   for (const auto& [field, type] : fieldsAndTypes) out.push_back({field, type + "  " + field});
   return out;

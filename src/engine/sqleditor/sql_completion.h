@@ -22,13 +22,15 @@ std::vector<TCompletionItem> LoadKeywordItems(const std::filesystem::path& items
 
 // The table whose columns to offer when the caret (a byte offset) stands right after "word.":
 // the word as an alias of the statement at the caret, else as one of `tables` (any letter case).
-std::optional<std::string> ColumnSourceTable(std::string_view text, size_t caret, std::span<const std::string> tables);
+std::optional<std::string> ColumnSourceTable(std::string_view text, size_t caret,
+                                             std::span<const std::string> tables);
 
 // What is sent to list a table's columns.
 std::string DescStatement(std::string_view table);
 
 // "*" shown as "<ALL>", then each (field, type) of the DESC rows shown as type and name.
-std::vector<TCompletionItem> ColumnItems(const std::vector<std::pair<std::string, std::string>>& fieldsAndTypes);
+std::vector<TCompletionItem> ColumnItems(
+    const std::vector<std::pair<std::string, std::string>>& fieldsAndTypes);
 
 // The statement snippets of the "SQL list".
 std::span<const std::string_view> SqlSnippets();

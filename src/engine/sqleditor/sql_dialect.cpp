@@ -8,6 +8,7 @@ namespace lomarin {
 
 namespace {
 
+// clang-format off
 constexpr std::string_view kKeywords[] = {
     "ACCESSIBLE", "ACTION", "ADD", "AFTER", "AGAINST", "AGGREGATE", "ALGORITHM", "ALL", "ALTER", "ALWAYS",
     "ANALYZE", "AND", "ANY", "AS", "ASC", "ASCII", "ASENSITIVE", "AT", "AUTO_INCREMENT", "AVG_ROW_LENGTH",
@@ -79,6 +80,7 @@ constexpr std::string_view kFunctions[] = {
     "UNIX_TIMESTAMP", "UPDATEXML", "UPPER", "UUID", "UUID_SHORT", "VARIANCE", "VAR_POP", "VAR_SAMP",
     "VERSION", "WEEK", "WEEKDAY", "WEEKOFYEAR", "YEARWEEK",
 };
+// clang-format on
 
 bool contains(std::span<const std::string_view> sorted, std::string_view word) {
   std::string upper(word);

@@ -36,14 +36,15 @@ std::string tagValue(std::string_view xml, std::string_view tag) {
 }
 
 int lineOf(std::string_view text, size_t offset) {
-  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
+  return 1 +
+         static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
 }
 
 // Clauses that start a line of their own; their items go one level deeper.
 const std::set<std::string>& clauseWords() {
-  static const std::set<std::string> kWords = {"SELECT", "FROM",   "WHERE",   "GROUP", "ORDER", "HAVING", "LIMIT",
-                                               "VALUES", "SET",    "UNION",   "INTO",  "UPDATE", "DELETE", "INSERT",
-                                               "REPLACE", "WITH", "RETURNING"};
+  static const std::set<std::string> kWords = {"SELECT", "FROM",   "WHERE",   "GROUP", "ORDER",    "HAVING",
+                                               "LIMIT",  "VALUES", "SET",     "UNION", "INTO",     "UPDATE",
+                                               "DELETE", "INSERT", "REPLACE", "WITH",  "RETURNING"};
   return kWords;
 }
 
@@ -56,8 +57,9 @@ bool startsJoin(const std::string& word) {
 // Words that continue the clause word before them on the same line ("GROUP BY", "LEFT JOIN").
 bool continuesClause(const std::string& previous, const std::string& word) {
   if (word == "BY") return previous == "GROUP" || previous == "ORDER";
-  if (word == "JOIN") return previous == "LEFT" || previous == "RIGHT" || previous == "INNER" || previous == "CROSS" ||
-                             previous == "OUTER" || previous == "NATURAL";
+  if (word == "JOIN")
+    return previous == "LEFT" || previous == "RIGHT" || previous == "INNER" || previous == "CROSS" ||
+           previous == "OUTER" || previous == "NATURAL";
   if (word == "OUTER") return previous == "LEFT" || previous == "RIGHT";
   if (word == "INTO") return previous == "INSERT" || previous == "REPLACE";
   if (word == "FROM") return previous == "DELETE";
@@ -96,9 +98,11 @@ class Formatter {
     }
     if (token.Type == TTokenType::Symbol) return symbols(tokens, i, text);
     std::string piece(text);
-    if (token.Type == TTokenType::MainKeyWords || token.Type == TTokenType::Function) piece = keywordCase(piece);
+    if (token.Type == TTokenType::MainKeyWords || token.Type == TTokenType::Function)
+      piece = keywordCase(piece);
     const std::string key = upper(text);
-    if (token.Type == TTokenType::MainKeyWords && clauseWords().count(key) && !continuesClause(previousKey_, key)) {
+    if (token.Type == TTokenType::MainKeyWords && clauseWords().count(key) &&
+        !continuesClause(previousKey_, key)) {
       newLine(clauseDepth_);
       word(piece, false);
       inList_ = key == "SELECT" || key == "SET";
@@ -107,17 +111,20 @@ class Formatter {
       pendingBreak_ = true;
       return;
     }
-    const bool join = token.Type == TTokenType::MainKeyWords && startsJoin(key) && !continuesClause(previousKey_, key);
+    const bool join =
+        token.Type == TTokenType::MainKeyWords && startsJoin(key) && !continuesClause(previousKey_, key);
     if (join || (token.Type == TTokenType::MainKeyWords && (key == "AND" || key == "OR") && !betweenOpen_)) {
       newLine(depth_);
-    } else if (pendingBreak_ && !(token.Type == TTokenType::MainKeyWords && continuesClause(previousKey_, key))) {
+    } else if (pendingBreak_ &&
+               !(token.Type == TTokenType::MainKeyWords && continuesClause(previousKey_, key))) {
       newLine(depth_);
     }
     if (token.Type == TTokenType::MainKeyWords) {
       if (key == "BY") inList_ = true;
       betweenOpen_ = key == "BETWEEN" || (betweenOpen_ && key != "AND");
     }
-    pendingBreak_ = pendingBreak_ && token.Type == TTokenType::MainKeyWords && continuesClause(previousKey_, key);
+    pendingBreak_ =
+        pendingBreak_ && token.Type == TTokenType::MainKeyWords && continuesClause(previousKey_, key);
     word(piece, false);
     previousKey_ = token.Type == TTokenType::MainKeyWords ? key : std::string();
     callable_ = token.Type == TTokenType::Function || token.Type == TTokenType::Identifier;
@@ -150,7 +157,7 @@ class Formatter {
         word(")", true);
       } else if (c == ',') {
         word(",", true);
-        if (set_.BreakLists && inList_ && opens_.empty() ) newLine(depth_);
+        if (set_.BreakLists && inList_ && opens_.empty()) newLine(depth_);
       } else if (c == ';') {
         word(";", true);
         newLine(0);
@@ -172,16 +179,21 @@ class Formatter {
 
   void checkClosed(const TSqlToken& token, std::string_view text) {
     if (error_ >= 0) return;
-    const bool openString = token.Type == TTokenType::String && (text.size() < 2 || text.back() != text.front());
-    const bool openComment = token.Type == TTokenType::Comment && text.starts_with("/*") && !text.ends_with("*/");
+    const bool openString =
+        token.Type == TTokenType::String && (text.size() < 2 || text.back() != text.front());
+    const bool openComment =
+        token.Type == TTokenType::Comment && text.starts_with("/*") && !text.ends_with("*/");
     if (openString || openComment) error_ = lineOf(src_, token.Start);
   }
 
   std::string keywordCase(const std::string& word) const {
     switch (set_.KeywordCase) {
-      case TFormatterSettings::Case::Upper: return upper(word);
-      case TFormatterSettings::Case::Lower: return lower(word);
-      case TFormatterSettings::Case::Keep: break;
+      case TFormatterSettings::Case::Upper:
+        return upper(word);
+      case TFormatterSettings::Case::Lower:
+        return lower(word);
+      case TFormatterSettings::Case::Keep:
+        break;
     }
     return word;
   }

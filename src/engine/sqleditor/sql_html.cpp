@@ -9,28 +9,46 @@ namespace {
 void appendEscaped(std::string& out, std::string_view text) {
   for (char c : text) {
     switch (c) {
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '&': out += "&amp;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '&':
+        out += "&amp;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
     }
   }
 }
 
 std::string_view classOf(TTokenType type) {
   switch (type) {
-    case TTokenType::Comment: return "c";
-    case TTokenType::String: return "s";
+    case TTokenType::Comment:
+      return "c";
+    case TTokenType::String:
+      return "s";
     case TTokenType::IntegerConst:
-    case TTokenType::FloatConst: return "n";
-    case TTokenType::MainKeyWords: return "k";
-    case TTokenType::Function: return "f";
-    case TTokenType::TableName: return "t";
-    case TTokenType::Alias: return "a";
-    case TTokenType::Symbol: return "o";
+    case TTokenType::FloatConst:
+      return "n";
+    case TTokenType::MainKeyWords:
+      return "k";
+    case TTokenType::Function:
+      return "f";
+    case TTokenType::TableName:
+      return "t";
+    case TTokenType::Alias:
+      return "a";
+    case TTokenType::Symbol:
+      return "o";
     case TTokenType::Unknown:
-    case TTokenType::Identifier: break;
+    case TTokenType::Identifier:
+      break;
   }
   return {};
 }

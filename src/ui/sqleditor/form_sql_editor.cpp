@@ -81,8 +81,9 @@ TformSQLEditor::TformSQLEditor(TSqlEditorContext context, QWidget* parent)
   buildActions();
   buildLayout();
   connect(frame_, &TframeecSQL::runStatement, this, &TformSQLEditor::RunStatementText);
-  connect(frame_->memo(), &QsciScintilla::cursorPositionChanged, this,
-          [this](int line, int index) { panels_[0]->setText(QString("%1: %2").arg(line + 1).arg(index + 1)); });
+  connect(frame_->memo(), &QsciScintilla::cursorPositionChanged, this, [this](int line, int index) {
+    panels_[0]->setText(QString("%1: %2").arg(line + 1).arg(index + 1));
+  });
   updateConnected();
 }
 
@@ -125,10 +126,13 @@ void TformSQLEditor::buildLayout() {
   tbSQL_ = new QToolBar(this);
   tbSQL_->setObjectName("tbSQL");
   tbSQL_->setToolButtonStyle(Qt::ToolButtonTextOnly);
-  for (const char* name : std::initializer_list<const char*>{"actRun", "actRunScript", "actRunCurrentSQL", "actExplain", "actStop", nullptr, "actClear",
-                           "actSave", nullptr, "actFormat", "actUnformat", "actSQLList", "actSyntaxTree"}) {
-    if (name) tbSQL_->addAction(action(name));
-    else tbSQL_->addSeparator();
+  for (const char* name : std::initializer_list<const char*>{
+           "actRun", "actRunScript", "actRunCurrentSQL", "actExplain", "actStop", nullptr, "actClear",
+           "actSave", nullptr, "actFormat", "actUnformat", "actSQLList", "actSyntaxTree"}) {
+    if (name)
+      tbSQL_->addAction(action(name));
+    else
+      tbSQL_->addSeparator();
   }
   splSQL_ = new QSplitter(Qt::Vertical, this);
   splSQL_->setObjectName("splSQL");
@@ -204,7 +208,8 @@ bool TformSQLEditor::loadFile(const QString& fileName) {
     const qint64 start = std::max<qint64>(0, end - kPiece);
     if (!file.seek(start) || file.read(piece.data(), end - start) != end - start) return false;
     memo->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION, 0UL);
-    memo->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, static_cast<unsigned long>(end - start), piece.constData());
+    memo->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, static_cast<unsigned long>(end - start),
+                        piece.constData());
     end = start;
   }
   memo->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, true);

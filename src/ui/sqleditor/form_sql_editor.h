@@ -95,7 +95,8 @@ class TformSQLEditor : public QWidget {
  private:
   void buildActions();
   void buildLayout();
-  QAction* addAction(const char* name, const QString& caption, const QString& shortcut, std::function<void()> run);
+  QAction* addAction(const char* name, const QString& caption, const QString& shortcut,
+                     std::function<void()> run);
   bool askCurrentDb() const;
   void runQuery(const std::string& text, bool recordHistory);
   void addToHistory(const std::string& text);

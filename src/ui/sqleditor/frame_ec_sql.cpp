@@ -42,8 +42,8 @@ void addNodes(QTreeWidgetItem* parent, const std::vector<TSqlTreeNode>& nodes) {
 
 }  // namespace
 
-TframeecSQL::TframeecSQL(SettingsStore& settings, std::vector<TCompletionItem> keywords, TCompletionSources sources,
-                         QWidget* parent)
+TframeecSQL::TframeecSQL(SettingsStore& settings, std::vector<TCompletionItem> keywords,
+                         TCompletionSources sources, QWidget* parent)
     : QWidget(parent), settings_(settings) {
   setObjectName("TframeecSQL");
   split_ = new QSplitter(Qt::Horizontal, this);
@@ -74,7 +74,8 @@ TframeecSQL::TframeecSQL(SettingsStore& settings, std::vector<TCompletionItem> k
   memo_->setMarkerBackgroundColor(QColor(255, 200, 200), kErrorMarker);
   memo_->markerDefine(QsciScintilla::RightArrow, kExecutedMarker);
   memo_->setMarkerBackgroundColor(QColor(0, 150, 0), kExecutedMarker);
-  memo_->SendScintilla(QsciScintillaBase::SCI_INDICSETSTYLE, kMarkIndicator, QsciScintillaBase::INDIC_ROUNDBOX);
+  memo_->SendScintilla(QsciScintillaBase::SCI_INDICSETSTYLE, kMarkIndicator,
+                       QsciScintillaBase::INDIC_ROUNDBOX);
   memo_->SendScintilla(QsciScintillaBase::SCI_INDICSETFORE, kMarkIndicator, QColor(0, 120, 255));
   auto* findBar = new QWidget(editorPane);
   commands_ = std::make_unique<TMemoCommands>(memo_, findBar);
@@ -128,7 +129,8 @@ void TframeecSQL::buildTree() {
     action->setToolTip(hint);
     return action;
   };
-  connect(add("TBItem8", "Execute SQL", "Execute current SQL"), &QAction::triggered, this, &TframeecSQL::executeTreeNode);
+  connect(add("TBItem8", "Execute SQL", "Execute current SQL"), &QAction::triggered, this,
+          &TframeecSQL::executeTreeNode);
   tbiAutorefresh_ = add("tbiAutorefresh", "Auto refresh", "Auto refresh");
   tbiAutorefresh_->setCheckable(true);
   tbiAutorefresh_->setChecked(settings_.read(opt::AutoSynchronize));
@@ -136,7 +138,8 @@ void TframeecSQL::buildTree() {
     settings_.write(opt::AutoSynchronize, on);
     if (on) refreshTree();
   });
-  connect(add("TBItem7", "Full expand", "Full expand"), &QAction::triggered, this, [this] { tvSyntax_->expandAll(); });
+  connect(add("TBItem7", "Full expand", "Full expand"), &QAction::triggered, this,
+          [this] { tvSyntax_->expandAll(); });
   connect(add("TBItem3", "Full collapse", "Full collapse"), &QAction::triggered, this,
           [this] { tvSyntax_->collapseAll(); });
   connect(add("actCloseTree", "Close", "Close the statement tree"), &QAction::triggered, this,
@@ -217,8 +220,8 @@ void TframeecSQL::executeTreeNode() {
   if (!item) return;
   const QByteArray text = memo_->text().toUtf8();
   const std::optional<std::string> statement =
-      TreeNodeStatement(item->text(0).toStdString(), item->data(0, kStartRole).toInt(), item->data(0, kEndRole).toInt(),
-                        std::string_view(text.constData(), text.size()));
+      TreeNodeStatement(item->text(0).toStdString(), item->data(0, kStartRole).toInt(),
+                        item->data(0, kEndRole).toInt(), std::string_view(text.constData(), text.size()));
   if (statement) emit runStatement(QString::fromStdString(*statement));
 }
 
@@ -229,8 +232,10 @@ void TframeecSQL::onCharAdded(int character) {
 void TframeecSQL::onDoubleClick(int position, int line) {
   Q_UNUSED(line);
   if (!markingEnabled_) return;
-  const auto start = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_WORDSTARTPOSITION, position, true));
-  const auto end = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_WORDENDPOSITION, position, true));
+  const auto start =
+      static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_WORDSTARTPOSITION, position, true));
+  const auto end =
+      static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_WORDENDPOSITION, position, true));
   QString word;
   if (end > start) {
     int lineFrom = 0, indexFrom = 0, lineTo = 0, indexTo = 0;
@@ -247,7 +252,9 @@ void TframeecSQL::markWord(const QString& word) {
   if (word.isEmpty()) return;
   const QByteArray text = memo_->text().toUtf8();
   const QByteArray needle = word.toUtf8();
-  auto isWordByte = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || (c & 0x80); };
+  auto isWordByte = [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || (c & 0x80);
+  };
   for (qsizetype at = text.indexOf(needle); at >= 0; at = text.indexOf(needle, at + needle.size())) {
     const bool whole = (at == 0 || !isWordByte(text[at - 1])) &&
                        (at + needle.size() >= text.size() || !isWordByte(text[at + needle.size()]));

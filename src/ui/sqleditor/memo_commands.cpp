@@ -62,17 +62,25 @@ TMemoCommands::TMemoCommands(QsciScintilla* memo, QWidget* findBar)
     selectedLines(first, last);
     for (int line = first; line <= last; ++line) memo_->unindent(line);
   });
-  connect(add("actLowerCase", "Selection lower case", "Ctrl+L"), &QAction::triggered, this, [this] { changeCase(0); });
-  connect(add("actUpperCase", "Selection upper case", "Ctrl+U"), &QAction::triggered, this, [this] { changeCase(1); });
-  connect(add("actToggleCase", "Selection toggle case"), &QAction::triggered, this, [this] { changeCase(2); });
+  connect(add("actLowerCase", "Selection lower case", "Ctrl+L"), &QAction::triggered, this,
+          [this] { changeCase(0); });
+  connect(add("actUpperCase", "Selection upper case", "Ctrl+U"), &QAction::triggered, this,
+          [this] { changeCase(1); });
+  connect(add("actToggleCase", "Selection toggle case"), &QAction::triggered, this,
+          [this] { changeCase(2); });
   connect(add("actFind", "&Find", "Ctrl+F"), &QAction::triggered, this, [this] { showFind(false); });
   connect(add("actReplace", "&Replace ", "Ctrl+R"), &QAction::triggered, this, [this] { showFind(true); });
-  connect(add("actIncSearch", "Incremental search", "Ctrl+E"), &QAction::triggered, this, [this] { showFind(false); });
+  connect(add("actIncSearch", "Incremental search", "Ctrl+E"), &QAction::triggered, this,
+          [this] { showFind(false); });
   connect(add("actCommentLines", "Comment Lines"), &QAction::triggered, this, [this] { commentLines(true); });
-  connect(add("actUncommentLines", "Uncomment Lines"), &QAction::triggered, this, [this] { commentLines(false); });
-  connect(add("actSortAscending", "Sort lines ascending"), &QAction::triggered, this, [this] { sortLines(true); });
-  connect(add("actSortDescending", "Sort lines descending"), &QAction::triggered, this, [this] { sortLines(false); });
-  connect(add("actCollapseAll", "Collapse all"), &QAction::triggered, memo_, [this] { memo_->foldAll(true); });
+  connect(add("actUncommentLines", "Uncomment Lines"), &QAction::triggered, this,
+          [this] { commentLines(false); });
+  connect(add("actSortAscending", "Sort lines ascending"), &QAction::triggered, this,
+          [this] { sortLines(true); });
+  connect(add("actSortDescending", "Sort lines descending"), &QAction::triggered, this,
+          [this] { sortLines(false); });
+  connect(add("actCollapseAll", "Collapse all"), &QAction::triggered, memo_,
+          [this] { memo_->foldAll(true); });
   connect(add("actExpandAll", "Expand all"), &QAction::triggered, memo_, [this] {
     // foldAll toggles; unfold every folded header explicitly.
     for (int line = 0; line < memo_->lines(); ++line)
@@ -97,7 +105,8 @@ TMemoCommands::TMemoCommands(QsciScintilla* memo, QWidget* findBar)
     memo_->setMarginWidth(0, on ? memo_->fontMetrics().horizontalAdvance("000000") : 0);
   });
 
-  connect(add("actMacroRecord", "Record macro"), &QAction::triggered, this, [this] { macro_->startRecording(); });
+  connect(add("actMacroRecord", "Record macro"), &QAction::triggered, this,
+          [this] { macro_->startRecording(); });
   connect(add("actMacroStop", "Stop macro"), &QAction::triggered, this, [this] {
     macro_->endRecording();
     recordedMacro_ = macro_->save();
@@ -138,7 +147,9 @@ void TMemoCommands::releaseMemoKey(QsciScintilla* memo, const QKeySequence& shor
   }
 }
 
-QAction* TMemoCommands::action(const QString& objectName) const { return memo_->findChild<QAction*>(objectName); }
+QAction* TMemoCommands::action(const QString& objectName) const {
+  return memo_->findChild<QAction*>(objectName);
+}
 
 void TMemoCommands::buildMenu() {
   popup_ = new QMenu(memo_);
@@ -149,13 +160,17 @@ void TMemoCommands::buildMenu() {
     go->addAction(QString("Bookmark %1").arg(n), this, [this, n] { gotoBookmark(n); });
   }
   popup_->addSeparator();
-  for (const char* name : std::initializer_list<const char*>{"actUndo", "actRedo", nullptr, "actFind", "actReplace", "actIncSearch", nullptr, "actIndent",
-                           "actUnindent", "actLowerCase", "actUpperCase", "actToggleCase", "actCommentLines",
-                           "actUncommentLines", "actSortAscending", "actSortDescending", nullptr, "actCollapseAll",
-                           "actExpandAll", "actShowNonPrinted", "actWordWrap", "actLineNumbers", nullptr,
-                           "actMacroRecord", "actMacroStop", "actMacroCancel", "actMacroPlay", nullptr, "actExportHTML"}) {
-    if (name) popup_->addAction(action(name));
-    else popup_->addSeparator();
+  for (const char* name : std::initializer_list<const char*>{
+           "actUndo",           "actRedo",        nullptr,           "actFind",           "actReplace",
+           "actIncSearch",      nullptr,          "actIndent",       "actUnindent",       "actLowerCase",
+           "actUpperCase",      "actToggleCase",  "actCommentLines", "actUncommentLines", "actSortAscending",
+           "actSortDescending", nullptr,          "actCollapseAll",  "actExpandAll",      "actShowNonPrinted",
+           "actWordWrap",       "actLineNumbers", nullptr,           "actMacroRecord",    "actMacroStop",
+           "actMacroCancel",    "actMacroPlay",   nullptr,           "actExportHTML"}) {
+    if (name)
+      popup_->addAction(action(name));
+    else
+      popup_->addSeparator();
   }
   memo_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(memo_, &QWidget::customContextMenuRequested, this,
@@ -183,8 +198,10 @@ int TMemoCommands::bookmarkLine(int number) const {
 void TMemoCommands::changeCase(int mode) {
   if (!memo_->hasSelectedText()) return;
   QString text = memo_->selectedText();
-  if (mode == 0) text = text.toLower();
-  else if (mode == 1) text = text.toUpper();
+  if (mode == 0)
+    text = text.toLower();
+  else if (mode == 1)
+    text = text.toUpper();
   else
     for (QChar& c : text) c = c.isUpper() ? c.toLower() : c.toUpper();
   int lineFrom = 0, indexFrom = 0, lineTo = 0, indexTo = 0;
@@ -308,7 +325,8 @@ void TMemoCommands::buildFindBar() {
 void TMemoCommands::showFind(bool withReplace) {
   replaceRow_->setVisible(withReplace);
   findBar_->show();
-  if (memo_->hasSelectedText() && !memo_->selectedText().contains('\n')) edtFind_->setText(memo_->selectedText());
+  if (memo_->hasSelectedText() && !memo_->selectedText().contains('\n'))
+    edtFind_->setText(memo_->selectedText());
   edtFind_->setFocus();
   edtFind_->selectAll();
 }

@@ -31,9 +31,10 @@ class WaitDialog : public QDialog {
     buttons->addStretch();
     buttons->addWidget(button_);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(caption, this));
+    layout->addWidget(new QLabel(caption + ": waiting for the server", this));
     layout->addLayout(buttons);
     connect(button_, &QPushButton::clicked, this, &WaitDialog::reject);
+    setMinimumWidth(320);
   }
 
   // Stays up until the work has ended; Escape and closing ask it to stop, like the button.

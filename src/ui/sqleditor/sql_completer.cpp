@@ -10,7 +10,17 @@ namespace lomarin::ui {
 namespace {
 
 // Images of the lists: keyword, then one per object kind, then column and snippet.
-enum Image { ImgKeyword = 1, ImgTable, ImgView, ImgProcedure, ImgFunction, ImgTrigger, ImgEvent, ImgColumn, ImgSnippet };
+enum Image {
+  ImgKeyword = 1,
+  ImgTable,
+  ImgView,
+  ImgProcedure,
+  ImgFunction,
+  ImgTrigger,
+  ImgEvent,
+  ImgColumn,
+  ImgSnippet
+};
 
 QPixmap letterImage(QChar letter, QColor colour) {
   QPixmap pixmap(14, 14);
@@ -43,7 +53,8 @@ std::string wordBefore(const QsciScintilla& memo) {
 
 }  // namespace
 
-TSqlCompleter::TSqlCompleter(QsciScintilla* memo, std::vector<TCompletionItem> keywords, TCompletionSources sources)
+TSqlCompleter::TSqlCompleter(QsciScintilla* memo, std::vector<TCompletionItem> keywords,
+                             TCompletionSources sources)
     : QObject(memo), memo_(memo), keywords_(std::move(keywords)), sources_(std::move(sources)) {
   registerImages();
   // Lists keep the order they are given in, and typing still narrows them.
@@ -89,7 +100,8 @@ void TSqlCompleter::showKeywords() {
 
 void TSqlCompleter::showSnippets() {
   std::vector<TCompletionItem> items;
-  for (std::string_view snippet : SqlSnippets()) items.push_back({std::string(snippet), std::string(snippet)});
+  for (std::string_view snippet : SqlSnippets())
+    items.push_back({std::string(snippet), std::string(snippet)});
   show(SnippetList, items, std::vector<int>(items.size(), ImgSnippet));
 }
 
@@ -97,10 +109,12 @@ bool TSqlCompleter::showColumns() {
   if (!sources_.DescribeTable) return false;
   std::vector<std::string> tables;
   if (sources_.DatabaseObjects)
-    for (const TDbObjectItem& object : sources_.DatabaseObjects()) tables.push_back(object.Name.toStdString());
+    for (const TDbObjectItem& object : sources_.DatabaseObjects())
+      tables.push_back(object.Name.toStdString());
   const QByteArray text = memo_->text().toUtf8();
   const auto caret = static_cast<size_t>(memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS));
-  const std::optional<std::string> table = ColumnSourceTable(std::string_view(text.constData(), text.size()), caret, tables);
+  const std::optional<std::string> table =
+      ColumnSourceTable(std::string_view(text.constData(), text.size()), caret, tables);
   if (!table) return false;
   std::vector<TCompletionItem> items = ColumnItems(sources_.DescribeTable(*table));
   show(ColumnList, items, std::vector<int>(items.size(), ImgColumn));

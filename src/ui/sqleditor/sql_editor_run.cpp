@@ -31,7 +31,8 @@ namespace {
 class DetachedSessionHandlers {
  public:
   explicit DetachedSessionHandlers(TMyConnection& session)
-      : session_(session), onError_(std::move(session.Events.OnError)),
+      : session_(session),
+        onError_(std::move(session.Events.OnError)),
         onLost_(std::move(session.Events.OnConnectionLost)) {
     session_.Events.OnError = nullptr;
     session_.Events.OnConnectionLost = nullptr;
@@ -50,8 +51,8 @@ class DetachedSessionHandlers {
 
 QString secondsText(std::chrono::steady_clock::duration elapsed) {
   const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
-  return "SQL Executed : " + QString::number(static_cast<double>(ms) / 1000.0, 'g', QLocale::FloatingPointShortest) +
-         " secs";
+  return "SQL Executed : " +
+         QString::number(static_cast<double>(ms) / 1000.0, 'g', QLocale::FloatingPointShortest) + " secs";
 }
 
 std::vector<std::string> memoLines(const QsciScintilla& memo) {
@@ -122,7 +123,8 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
     stopRequested_ = false;
     setRunning(true);
     try {
-      RunOffUiThread([&] { results = OpenAllResults(ctx_.Session, sql); }, [this] { Stop(); }, this, "Run SQL");
+      RunOffUiThread([&] { results = OpenAllResults(ctx_.Session, sql); }, [this] { Stop(); }, this,
+                     "Run SQL");
     } catch (const ServerError& error) {
       failure = error;
     }

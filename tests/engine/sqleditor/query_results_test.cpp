@@ -1,7 +1,8 @@
+#include "engine/sqleditor/query_results.h"
+
 #include <gtest/gtest.h>
 
 #include "engine/connect/sql_monitor.h"
-#include "engine/sqleditor/query_results.h"
 #include "test_server.h"
 
 namespace lomarin {

@@ -1,6 +1,7 @@
+#include "engine/sqleditor/sql_analyzer.h"
+
 #include <gtest/gtest.h>
 
-#include "engine/sqleditor/sql_analyzer.h"
 #include "engine/sqleditor/sql_html.h"
 
 namespace lomarin {
@@ -15,18 +16,38 @@ std::vector<std::string> tokens(std::string_view text) {
 }
 
 TEST(SqlAnalyzer, TokenTypes) {
-  EXPECT_EQ(tokens("select count(*), 'it''s', \"q\" from db1.orders o where a>=1.5e3 -- tail\n/* c */ 7 1abc @"),
-            (std::vector<std::string>{"Main KeyWords:select", "Function:count", "Symbol:(", "Unknown:*", "Symbol:),",
-                                      "String:'it'", "String:'s'", "Symbol:,", "String:\"q\"", "Main KeyWords:from",
-                                      "Identifier:db1", "Symbol:.", "Table name:orders", "Alias:o",
-                                      "Main KeyWords:where", "Identifier:a", "Symbol:>=", "Float const:1.5e3",
-                                      "Comment:-- tail", "Comment:/* c */", "Integer const:7", "Identifier:1abc",
-                                      "Unknown:@"}));
+  EXPECT_EQ(
+      tokens("select count(*), 'it''s', \"q\" from db1.orders o where a>=1.5e3 -- tail\n/* c */ 7 1abc @"),
+      (std::vector<std::string>{"Main KeyWords:select",
+                                "Function:count",
+                                "Symbol:(",
+                                "Unknown:*",
+                                "Symbol:),",
+                                "String:'it'",
+                                "String:'s'",
+                                "Symbol:,",
+                                "String:\"q\"",
+                                "Main KeyWords:from",
+                                "Identifier:db1",
+                                "Symbol:.",
+                                "Table name:orders",
+                                "Alias:o",
+                                "Main KeyWords:where",
+                                "Identifier:a",
+                                "Symbol:>=",
+                                "Float const:1.5e3",
+                                "Comment:-- tail",
+                                "Comment:/* c */",
+                                "Integer const:7",
+                                "Identifier:1abc",
+                                "Unknown:@"}));
   // Unterminated quotes end at the line end, comments at the end of the text.
-  EXPECT_EQ(tokens("'open\nx /* never"), (std::vector<std::string>{"String:'open", "Identifier:x", "Comment:/* never"}));
+  EXPECT_EQ(tokens("'open\nx /* never"),
+            (std::vector<std::string>{"String:'open", "Identifier:x", "Comment:/* never"}));
   // A word that is a function name is a plain name when no bracket follows.
   EXPECT_EQ(tokens("select count from t"),
-            (std::vector<std::string>{"Main KeyWords:select", "Identifier:count", "Main KeyWords:from", "Table name:t"}));
+            (std::vector<std::string>{"Main KeyWords:select", "Identifier:count", "Main KeyWords:from",
+                                      "Table name:t"}));
 }
 
 TEST(SqlAnalyzer, StatementTreeSectionsTablesAndAliases) {
@@ -57,7 +78,8 @@ TEST(SqlAnalyzer, StatementTreeSectionsTablesAndAliases) {
   EXPECT_EQ(items(0), (std::vector<std::string>{"o.id", "c.name"}));
   EXPECT_EQ(items(3), (std::vector<std::string>{"o.id > (select max(id) from t2)"}));
   EXPECT_EQ(items(4), (std::vector<std::string>{"o.id"}));
-  const std::vector<TSqlTreeNode> grouped = BuildStatementTree("select a,\n  sum(b, c) from t group by a limit 5");
+  const std::vector<TSqlTreeNode> grouped =
+      BuildStatementTree("select a,\n  sum(b, c) from t group by a limit 5");
   ASSERT_EQ(grouped[0].Children.size(), 3u);
   EXPECT_EQ(grouped[0].Children[0].Children[1].Caption, "sum(b, c)");
   EXPECT_EQ(grouped[0].Children[2].Children.size(), 1u);
@@ -73,7 +95,8 @@ TEST(SqlAnalyzer, AliasesOfTheStatementAtAPosition) {
             (std::map<std::string, std::string>{{"t", "customers"}, {"p", "products"}}));
   // Keywords after a table are no aliases; AS is skipped.
   EXPECT_EQ(AliasesAt("select 1 from a where x=1", 0), (std::map<std::string, std::string>{}));
-  EXPECT_EQ(AliasesAt("update orders as O set x=1", 0), (std::map<std::string, std::string>{{"o", "orders"}}));
+  EXPECT_EQ(AliasesAt("update orders as O set x=1", 0),
+            (std::map<std::string, std::string>{{"o", "orders"}}));
 }
 
 TEST(SqlAnalyzer, HtmlExportEscapesAndColours) {

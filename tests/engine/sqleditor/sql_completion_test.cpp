@@ -1,10 +1,11 @@
+#include "engine/sqleditor/sql_completion.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <set>
 
-#include "engine/sqleditor/sql_completion.h"
 #include "engine/sqleditor/sql_dialect.h"
 
 namespace lomarin {

@@ -1,13 +1,14 @@
-#include <gtest/gtest.h>
-
 #include "engine/sqleditor/sql_formatter.h"
+
+#include <gtest/gtest.h>
 
 namespace lomarin {
 namespace {
 
 TEST(SqlFormatter, BreaksByClauseAndIndentsItems) {
   const TFormatResult r = FormatSql(
-      "select a, count(b) as n from t1 join t2 on t1.id=t2.id where a = 'x, y' and b between 1 and 2 or c is null "
+      "select a, count(b) as n from t1 join t2 on t1.id=t2.id where a = 'x, y' and b between 1 and 2 or c is "
+      "null "
       "group by a order by n desc limit 5; update t set a=1, b=2");
   EXPECT_EQ(r.ErrorLine, -1);
   EXPECT_EQ(r.Text, R"(SELECT

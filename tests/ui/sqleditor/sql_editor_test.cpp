@@ -51,14 +51,21 @@ void clickButton(QWidget* dialog, QMessageBox::StandardButton which) {
 struct Fixture {
   explicit Fixture(const std::filesystem::path& folder, const std::string& database = "lomarin_test",
                    bool trace = false)
-      : settings(folder / "settings.db"), session(test::connect(database)), history(folder, trace), params(folder) {
-    monitor.addListener([this](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
+      : settings(folder / "settings.db"),
+        session(test::connect(database)),
+        history(folder, trace),
+        params(folder) {
+    monitor.addListener([this](const std::string& line) {
+      sent << QString::fromStdString(line.substr(line.find("] ") + 2));
+    });
     session->setMonitor(&monitor);
     TSqlEditorContext context(*session, settings);
     context.History = &history;
     context.Params = &params;
     context.ShowServerError = [this](const QString& message) { errors << message; };
-    context.DatabaseObjects = [] { return std::vector<TDbObjectItem>{{"orders", TDbObjectItem::Kind::Table}}; };
+    context.DatabaseObjects = [] {
+      return std::vector<TDbObjectItem>{{"orders", TDbObjectItem::Kind::Table}};
+    };
     context.ShippedFolder = LOMARIN_SHIPPED_DIR;
     editor = std::make_unique<TformSQLEditor>(context);
     editor->setAttribute(Qt::WA_DeleteOnClose, false);
@@ -99,11 +106,20 @@ class SqlEditorTest : public QObject {
   void commandsAndPanels() {
     Fixture f(folder_);
     QCOMPARE(f.editor->windowTitle(), QString("SQL editor"));
-    const std::pair<const char*, const char*> shortcuts[] = {
-        {"actRun", "F9"}, {"actRunScript", "F7"}, {"actRunCurrentSQL", "Shift+Return"}, {"actUnformat", "Ctrl+Shift+U"},
-        {"actSQLList", "Ctrl+J"}, {"actIndent", "Ctrl+Shift+I"}, {"actLowerCase", "Ctrl+L"}, {"actUpperCase", "Ctrl+U"},
-        {"actRedo", "Ctrl+Shift+Z"}, {"actFind", "Ctrl+F"}, {"actReplace", "Ctrl+R"}, {"actIncSearch", "Ctrl+E"}};
-    for (const auto& [name, keys] : shortcuts) QCOMPARE(f.editor->action(name)->shortcut(), QKeySequence(keys));
+    const std::pair<const char*, const char*> shortcuts[] = {{"actRun", "F9"},
+                                                             {"actRunScript", "F7"},
+                                                             {"actRunCurrentSQL", "Shift+Return"},
+                                                             {"actUnformat", "Ctrl+Shift+U"},
+                                                             {"actSQLList", "Ctrl+J"},
+                                                             {"actIndent", "Ctrl+Shift+I"},
+                                                             {"actLowerCase", "Ctrl+L"},
+                                                             {"actUpperCase", "Ctrl+U"},
+                                                             {"actRedo", "Ctrl+Shift+Z"},
+                                                             {"actFind", "Ctrl+F"},
+                                                             {"actReplace", "Ctrl+R"},
+                                                             {"actIncSearch", "Ctrl+E"}};
+    for (const auto& [name, keys] : shortcuts)
+      QCOMPARE(f.editor->action(name)->shortcut(), QKeySequence(keys));
     QCOMPARE(f.editor->action("actExplain")->text(), QString("Explain SQL"));
     QCOMPARE(f.editor->action("TBItem8")->text(), QString("Execute SQL"));
     QCOMPARE(f.editor->action("actReplace")->text(), QString("&Replace "));
@@ -163,15 +179,17 @@ class SqlEditorTest : public QObject {
     test::sideExec("drop procedure if exists lomarin_test.ed_proc");
     f.run("actRunScript",
           "DELIMITER $$\ncreate procedure ed_proc() begin select 1; select 2; end$$\nDELIMITER ;\nselect 3;");
-    QCOMPARE(test::scalar(*f.session, "select count(*) from information_schema.routines where routine_schema = "
-                                      "'lomarin_test' and routine_name = 'ed_proc'"),
+    QCOMPARE(test::scalar(*f.session,
+                          "select count(*) from information_schema.routines where routine_schema = "
+                          "'lomarin_test' and routine_name = 'ed_proc'"),
              std::string("1"));
     QVERIFY(f.errors.isEmpty());
 
     f.run("actRunScript", "select 1;\nselect * from no_such_ed;\nselect 3;");
     QCOMPARE(f.sent.last(), QString("select 3"));
     QCOMPARE(f.errors.size(), 1);
-    QVERIFY(f.errors[0].startsWith("select * from no_such_ed\rTable 'lomarin_test.no_such_ed' doesn't exist\n"));
+    QVERIFY(
+        f.errors[0].startsWith("select * from no_such_ed\rTable 'lomarin_test.no_such_ed' doesn't exist\n"));
     test::sideExec("drop procedure lomarin_test.ed_proc");
   }
 
@@ -274,7 +292,8 @@ class SqlEditorTest : public QObject {
 
     f.memo()->setText("keep me");
     whenModal([](QWidget* box) {
-      QCOMPARE(qobject_cast<QMessageBox*>(box)->text(), QString("Are you sure you want to clear the editor ?"));
+      QCOMPARE(qobject_cast<QMessageBox*>(box)->text(),
+               QString("Are you sure you want to clear the editor ?"));
       clickButton(box, QMessageBox::No);
     });
     f.editor->action("actClear")->trigger();
@@ -307,7 +326,8 @@ class SqlEditorTest : public QObject {
     QsciScintilla* memo = other.frame()->memo();
     QCOMPARE(memo->length(), static_cast<int>(large.size()));
     QByteArray loaded(large.size() + 1, '\0');
-    memo->SendScintilla(QsciScintillaBase::SCI_GETTEXT, static_cast<unsigned long>(loaded.size()), loaded.data());
+    memo->SendScintilla(QsciScintillaBase::SCI_GETTEXT, static_cast<unsigned long>(loaded.size()),
+                        loaded.data());
     loaded.chop(1);
     QVERIFY(loaded == large);
     QVERIFY(!memo->isModified());
@@ -414,8 +434,10 @@ class SqlEditorTest : public QObject {
     QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
     QVERIFY(!f.editor->action("actStop")->isEnabled());
     auto side = test::connect();
-    QCOMPARE(test::scalar(*side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"),
-             std::string("0"));
+    QCOMPARE(
+        test::scalar(*side,
+                     "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"),
+        std::string("0"));
     // The kill travels on a side connection; the session itself sent only the query.
     QCOMPARE(f.sent, QStringList{"SELECT SLEEP(30)"});
     QVERIFY(f.errors.isEmpty());
