@@ -77,6 +77,8 @@ class Formatter {
     trimLine();
     while (!out_.empty() && out_.back() == '\n') out_.pop_back();
     if (error_ < 0 && !opens_.empty()) error_ = lineOf(src_, opens_.back().offset);
+    // Broken text stays as written, so the error line points into what the user sees.
+    if (error_ >= 0) return {std::string(src_), error_};
     return {out_, error_};
   }
 

@@ -24,7 +24,7 @@ struct TFormatResult {
 
 // Reindents SQL and breaks it by clause: each main clause starts a line, its items are indented
 // below it, AND/OR of conditions start lines, bracketed sub-queries are indented one level more.
-// Comments and quoted text are kept as they stand.
+// Comments and quoted text are kept as they stand. Text with a fault comes back unchanged.
 TFormatResult FormatSql(std::string_view source, const TFormatterSettings& settings = {});
 
 }  // namespace lomarin

@@ -176,7 +176,9 @@ void TframeecSQL::setErrorLine(int line) {
   memo_->markerDeleteAll(kErrorMarker);
   if (line < 1) return;
   memo_->markerAdd(line - 1, kErrorMarker);
-  memo_->setSelection(line - 1, 0, line - 1, static_cast<int>(memo_->text(line - 1).size()));
+  QString text = memo_->text(line - 1);
+  while (text.endsWith('\n') || text.endsWith('\r')) text.chop(1);
+  memo_->setSelection(line - 1, 0, line - 1, static_cast<int>(text.size()));
   memo_->setFocus();
 }
 

@@ -56,7 +56,9 @@ from
 }
 
 TEST(SqlFormatter, ReportsTheLineOfTheFirstFault) {
-  EXPECT_EQ(FormatSql("select 1\nfrom t\nwhere (a = 1").ErrorLine, 3);
+  const TFormatResult open = FormatSql("select 1\nfrom t\nwhere (a = 1");
+  EXPECT_EQ(open.ErrorLine, 3);
+  EXPECT_EQ(open.Text, "select 1\nfrom t\nwhere (a = 1");
   EXPECT_EQ(FormatSql("select 1)\n").ErrorLine, 1);
   EXPECT_EQ(FormatSql("select 1,\n'open").ErrorLine, 2);
   EXPECT_EQ(FormatSql("select 1 /* open\n").ErrorLine, 1);

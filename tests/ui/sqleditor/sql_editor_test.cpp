@@ -468,6 +468,13 @@ class SqlEditorTest : public QObject {
     QCOMPARE(f.editor->results()->count(), 1);
     const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
     if (!dir.isEmpty()) f.editor->grab().save(QString::fromUtf8(dir) + "/sql_editor.png");
+    // A format that found an open bracket marks its line, beside the find bar.
+    f.memo()->setText("select a, b\nfrom t\nwhere (a = 1 and b = 2");
+    f.editor->action("actFormat")->trigger();
+    QCOMPARE(f.editor->frame()->errorLine(), 3);
+    QCOMPARE(f.memo()->selectedText(), QString("where (a = 1 and b = 2"));
+    f.editor->action("actFind")->trigger();
+    if (!dir.isEmpty()) f.editor->grab().save(QString::fromUtf8(dir) + "/sql_editor_format.png");
   }
 };
 
