@@ -1,8 +1,10 @@
 #include "ui/app/startup.h"
 #include "ui/dataview/dataview_commands.h"
+#include "ui/sqleditor/sqleditor_commands.h"
 #include "ui/transfer/transfer_commands.h"
 
 int main(int argc, char** argv) {
-  return lomarin::ui::runLomarin(
-      argc, argv, {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands});
+  return lomarin::ui::runLomarin(argc, argv,
+                                 {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
+                                  lomarin::ui::installSqlEditorCommands});
 }

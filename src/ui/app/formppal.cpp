@@ -123,6 +123,7 @@ void Tformppal::wireSession() {
   };
   events.AfterConnect = [this] { onAfterConnect(); };
   events.BeforeDisconnect = [this] { onBeforeDisconnect(); };
+  events.AfterDisconnect = [this] { emit connectionChanged(); };
   events.OnError = [this](const ServerError& error) { onSessionError(error); };
   events.OnConnectionLost = [this] { return lostConnection_.onConnectionLost(); };
 }
@@ -285,6 +286,7 @@ void Tformppal::onAfterConnect() {
   WaitCursor wait;
   if (!MySqlSession.Connected()) {
     actions_->setConnected(false);
+    emit connectionChanged();
     return;
   }
   actions_->setConnected(true);
@@ -297,6 +299,7 @@ void Tformppal::onAfterConnect() {
   if (settings_.read(opt::DefaultHostOption)) settings_.write(opt::DefaultDatabaseHost, s.Server);
   paneSideBar_->show();
   applyServerVersion(MySqlSession.ServerVersion());
+  emit connectionChanged();
 }
 
 void Tformppal::applyServerVersion(const std::string& versionText) {

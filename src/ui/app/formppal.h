@@ -71,6 +71,10 @@ class Tformppal : public QMainWindow {
   WindowLayout layout() const;
   void applyLayout(const WindowLayout& layout);
 
+ signals:
+  // After every connect and disconnect, so documents can follow the connection state.
+  void connectionChanged();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 
