@@ -5,11 +5,15 @@
 
 #include "cli_options.h"
 #include "query_command.h"
+#include "cli_test_support.h"
 #include "test_server.h"
 #include "tsv_writer.h"
 
 namespace lomarin::cli {
 namespace {
+
+using test::connectionArgs;
+using test::slurp;
 
 TEST(CliOptions, MariadbLongNamesInBothForms) {
   auto a = parseArgs({"--host=db.example", "--port", "3307", "--user=u", "--password=p=w",
@@ -31,19 +35,6 @@ TEST(CliOptions, MariadbLongNamesInBothForms) {
 TEST(TsvWriter, EscapesLikeTheBatchClient) {
   EXPECT_EQ(TsvWriter::escape(std::string_view("a\tb\nc\\d\0e", 9)), "a\\tb\\nc\\\\d\\0e");
   EXPECT_EQ(TsvWriter::escape("plain"), "plain");
-}
-
-std::string slurp(std::FILE* f) {
-  std::rewind(f);
-  std::string text;
-  char buf[4096];
-  for (size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
-  return text;
-}
-
-std::vector<std::string> connectionArgs() {
-  const auto s = test::serverSettings();
-  return {"--host", s.Server, "--port", std::to_string(s.Port), "--user", s.Username, "--password", s.Password};
 }
 
 TEST(QueryCommand, PrintsHeaderAndRowsTabSeparated) {

@@ -7,10 +7,14 @@
 #include <fstream>
 #include <sstream>
 
+#include "cli_test_support.h"
 #include "test_server.h"
 
 namespace lomarin::cli {
 namespace {
+
+using test::connectionArgs;
+using test::slurp;
 
 TEST(DumpFlags, DefaultsAndEveryFlag) {
   const DumpRequest plain = parseDumpFlags({});
@@ -42,20 +46,6 @@ TEST(DumpFlags, DefaultsAndEveryFlag) {
   for (const char* bad : {"--objects=tables,indexes", "--commit-batch=-1", "--commit-batch=many",
                           "--hex-blob=1", "--frobnicate"})
     EXPECT_THROW(parseDumpFlags({bad}), std::invalid_argument) << bad;
-}
-
-std::string slurp(std::FILE* f) {
-  std::rewind(f);
-  std::string text;
-  char buf[4096];
-  for (size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
-  return text;
-}
-
-std::vector<std::string> connectionArgs() {
-  const auto s = test::serverSettings();
-  return {"--host", s.Server,   "--port",     std::to_string(s.Port),
-          "--user", s.Username, "--password", s.Password};
 }
 
 TEST(DumpCommand, WritesTheFileWholeOrReportsTheError) {

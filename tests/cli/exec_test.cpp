@@ -9,18 +9,14 @@
 #include "cli_options.h"
 #include "engine/connect/my_query.h"
 #include "exec_command.h"
+#include "cli_test_support.h"
 #include "test_server.h"
 
 namespace lomarin::cli {
 namespace {
 
-std::string slurp(std::FILE* f) {
-  std::rewind(f);
-  std::string text;
-  char buf[4096];
-  for (size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
-  return text;
-}
+using test::connectionArgs;
+using test::slurp;
 
 std::filesystem::path writeScript(const std::string& name, const std::string& text) {
   const auto path = std::filesystem::temp_directory_path() / name;
@@ -29,9 +25,8 @@ std::filesystem::path writeScript(const std::string& name, const std::string& te
 }
 
 std::vector<std::string> execArgs(const std::string& database, const std::string& file, bool optimize) {
-  const auto s = test::serverSettings();
-  std::vector<std::string> args = {"--host", s.Server, "--port", std::to_string(s.Port), "--user", s.Username,
-                                   "--password", s.Password, "--database", database, file};
+  std::vector<std::string> args = connectionArgs();
+  args.insert(args.end(), {"--database", database, file});
   if (optimize) args.push_back("--optimize");
   return args;
 }
