@@ -15,7 +15,7 @@ namespace lomarin::ui {
 
 namespace {
 
-// Short requests end before this; they run without a dialog flashing up.
+// Short runs end before this; they run without a dialog flashing up.
 constexpr int kQuietMs = 400;
 
 class WaitDialog : public QDialog {
@@ -51,13 +51,11 @@ class WaitDialog : public QDialog {
 
 }  // namespace
 
-void RunOffUiThread(const std::function<void()>& work, const std::function<void()>& stop, QWidget* parent,
-                    const QString& caption) {
+void RunOffUiThread(const std::function<void()>& work, QDialog& dialog) {
   QObject guiThread;
   QEventLoop loop;
   bool finished = false;
   std::exception_ptr failure;
-  WaitDialog dialog(stop, caption, parent);
   std::thread worker([&] {
     try {
       work();
@@ -70,6 +68,7 @@ void RunOffUiThread(const std::function<void()>& work, const std::function<void(
     });
   });
   QApplication::setOverrideCursor(Qt::BusyCursor);
+  // First a quiet moment without user input, then the dialog that takes it.
   QTimer::singleShot(kQuietMs, &loop, &QEventLoop::quit);
   loop.exec(QEventLoop::ExcludeUserInputEvents);
   if (!finished) {
@@ -80,6 +79,12 @@ void RunOffUiThread(const std::function<void()>& work, const std::function<void(
   QApplication::restoreOverrideCursor();
   dialog.hide();
   if (failure) std::rethrow_exception(failure);
+}
+
+void RunOffUiThread(const std::function<void()>& work, const std::function<void()>& stop, QWidget* parent,
+                    const QString& caption) {
+  WaitDialog dialog(stop, caption, parent);
+  RunOffUiThread(work, dialog);
 }
 
 }  // namespace lomarin::ui

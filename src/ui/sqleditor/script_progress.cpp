@@ -1,26 +1,20 @@
 #include "ui/sqleditor/script_progress.h"
 
-#include <QApplication>
 #include <QDialog>
-#include <QEventLoop>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTimer>
 #include <QVBoxLayout>
 #include <chrono>
-#include <exception>
-#include <thread>
 
 #include "engine/sqleditor/my_script.h"
+#include "ui/sqleditor/query_wait.h"
 
 namespace lomarin::ui {
 
 namespace {
 
-// Most scripts end before this; they run without a dialog flashing up.
-constexpr int kQuietMs = 400;
 constexpr auto kProgressEvery = std::chrono::milliseconds(50);
 
 // Shows how far the script got; Stop (and Escape or closing) asks the runner to stop, and the
@@ -100,33 +94,7 @@ void RunScriptWithProgress(TMyScript& script, QWidget* parent, const QString& ca
     });
   };
 
-  QEventLoop loop;
-  bool finished = false;
-  std::exception_ptr failure;
-  std::thread worker([&] {
-    try {
-      script.Execute();
-    } catch (...) {
-      failure = std::current_exception();
-    }
-    QMetaObject::invokeMethod(&guiThread, [&] {
-      finished = true;
-      loop.quit();
-    });
-  });
-
-  QApplication::setOverrideCursor(Qt::BusyCursor);
-  // First a quiet moment without user input, then the dialog that takes it.
-  QTimer::singleShot(kQuietMs, &loop, &QEventLoop::quit);
-  loop.exec(QEventLoop::ExcludeUserInputEvents);
-  if (!finished) {
-    dialog.show();
-    loop.exec();
-  }
-  worker.join();
-  QApplication::restoreOverrideCursor();
-  dialog.hide();
-  if (failure) std::rethrow_exception(failure);
+  RunOffUiThread([&] { script.Execute(); }, dialog);
 }
 
 }  // namespace lomarin::ui
