@@ -4,26 +4,12 @@
 # batch/quick mode, on the same sandbox server in the same run. Prints wall time and peak memory
 # of each (median time, highest memory of RUNS runs) and the raw size of the data.
 #   bench/dataview_scroll.sh [--dir SANDBOX_DIR] [--build BUILD_DIR] [RUNS]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-sandbox="$root/.sandbox"
-build="$root/build"
-while [[ ${1:-} == --* ]]; do
-  case $1 in
-    --dir) sandbox=$2; shift 2 ;;
-    --build) build=$2; shift 2 ;;
-    *) echo "unknown option $1" >&2; exit 2 ;;
-  esac
-done
+# shellcheck source=bench/common.sh
+source "$(dirname "$0")/common.sh"
 runs=${1:-3}
 cmake --build "$build" --target dataview_scroll_bench >/dev/null
 bench="$build/bench/dataview_scroll_bench"
 
-"$root/scripts/sandbox-server" start --dir "$sandbox" >/dev/null
-# shellcheck disable=SC1091
-source "$sandbox/sandbox.env"
-conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
-sql() { mariadb --no-defaults "${conn[@]}" "$@"; }
 
 table=lomarin_bench.grid_rows
 if [[ $(sql -N -e "SELECT COUNT(*) FROM $table" 2>/dev/null || echo 0) != 1000000 ]]; then

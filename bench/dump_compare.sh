@@ -3,25 +3,10 @@
 # on the same sandbox server in the same run; prints wall time (median of RUNS) and peak memory
 # of each, then restores our script into a scratch database and compares every table's checksum.
 #   bench/dump_compare.sh [--dir SANDBOX_DIR] [--cli PATH] [RUNS]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-sandbox="$root/.sandbox"
-cli="$root/build/src/apps/lomarin-cli/lomarin-cli"
-while [[ ${1:-} == --* ]]; do
-  case $1 in
-    --dir) sandbox=$2; shift 2 ;;
-    --cli) cli=$2; shift 2 ;;
-    *) echo "unknown option $1" >&2; exit 2 ;;
-  esac
-done
+# shellcheck source=bench/common.sh
+source "$(dirname "$0")/common.sh"
 runs=${1:-3}
-[[ -x $cli ]] || { echo "build first: $cli is missing" >&2; exit 1; }
-
-"$root/scripts/sandbox-server" start --dir "$sandbox" >/dev/null
-# shellcheck disable=SC1091
-source "$sandbox/sandbox.env"
-conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
-sql() { mariadb --no-defaults "${conn[@]}" "$@"; }
+require_cli
 
 db=lomarin_sbtest
 tables=8

@@ -1,28 +1,10 @@
 # shellcheck shell=bash
-# Shared by the exec_*.sh benchmarks: options, sandbox, connection, and the generated dump.
-#   --dir SANDBOX_DIR   sandbox to use (default .sandbox)      --build BUILD_DIR (default build)
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-sandbox="$root/.sandbox"
-build="$root/build"
-while [[ ${1:-} == --* ]]; do
-  case $1 in
-    --dir) sandbox=$2; shift 2 ;;
-    --build) build=$2; shift 2 ;;
-    *) echo "unknown option $1" >&2; exit 2 ;;
-  esac
-done
-cli="$build/src/apps/lomarin-cli/lomarin-cli"
-[[ -x $cli ]] || { echo "build first: $cli is missing" >&2; exit 1; }
-
-"$root/scripts/sandbox-server" start --dir "$sandbox" >/dev/null
-# shellcheck disable=SC1091
-source "$sandbox/sandbox.env"
-conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
+# Shared by the exec_*.sh benchmarks: timing helpers and the generated dump.
+# shellcheck source=bench/common.sh
+source "$(dirname "$0")/common.sh"
+require_cli
 work=${TMPDIR:-/tmp}/lomarin-bench
 mkdir -p "$work"
-
-sql() { mariadb --no-defaults "${conn[@]}" "$@"; }
 
 # Seconds of wall time of one command, its output discarded; cpu_of_last gives the client's
 # own CPU seconds (user + system) of that command.

@@ -3,18 +3,10 @@
 # batch/quick mode, on the same sandbox server in the same run, and prints wall time and peak
 # memory of each (median of RUNS runs).
 #   bench/query_stream.sh [--dir SANDBOX_DIR] [RUNS]
-set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
-sandbox="$root/.sandbox"
-if [[ ${1:-} == --dir ]]; then sandbox=$2; shift 2; fi
+# shellcheck source=bench/common.sh
+source "$(dirname "$0")/common.sh"
 runs=${1:-5}
-cli="$root/build/src/apps/lomarin-cli/lomarin-cli"
-[[ -x $cli ]] || { echo "build first: $cli is missing" >&2; exit 1; }
-
-"$root/scripts/sandbox-server" start --dir "$sandbox" >/dev/null
-# shellcheck disable=SC1091
-source "$sandbox/sandbox.env"
-conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
+require_cli
 
 rows=$(mariadb --no-defaults "${conn[@]}" -N -e \
   "SELECT COUNT(*) FROM lomarin_bench.big" 2>/dev/null || echo 0)
