@@ -109,7 +109,7 @@ MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string&
     mysql_close(m);
     throw ServerError(CR_SSL_CONNECTION_ERROR, "HY000", "SSL connection error: the connection is not encrypted");
   }
-  if (multiStatements) mysql_set_server_option(m, MYSQL_OPTION_MULTI_STATEMENTS_ON);
+  serverMultiStatements = false;
 
   serverVersion = mysql_get_server_info(m);
   // The client library drops the "5.5.5-" that MariaDB 10+ puts before its version in the
@@ -180,6 +180,7 @@ void TMyConnection::Impl::send(std::string_view sql) {
   if (!mysql) fail(ServerError(CR_SERVER_GONE_ERROR, "HY000", "Not connected"));
   releasePending();
   for (;;) {
+    syncMultiStatements();
     // A silent repeat would run the statement outside the transaction or locks it belonged to.
     const bool holdsState = !lossReported && ((serverStatus() & SERVER_STATUS_IN_TRANS) || tablesLocked);
     if (monitor) monitor->trace(sql);
@@ -205,6 +206,12 @@ void TMyConnection::Impl::send(std::string_view sql) {
       }
     }
   }
+}
+
+void TMyConnection::Impl::syncMultiStatements() {
+  if (serverMultiStatements == multiStatements) return;
+  mysql_set_server_option(mysql, multiStatements ? MYSQL_OPTION_MULTI_STATEMENTS_ON : MYSQL_OPTION_MULTI_STATEMENTS_OFF);
+  serverMultiStatements = multiStatements;
 }
 
 // ---- TMyConnection ----
@@ -270,18 +277,13 @@ std::string TMyConnection::GetMySQLinfo() const {
 
 const std::optional<ServerError>& TMyConnection::LastError() const { return d->lastError; }
 
+// The server option follows at the next request, so a result opened inside the scope can still
+// be read as the user scrolls after the scope has ended.
 TMyConnection::MultiStatements::MultiStatements(TMyConnection& connection) : connection_(connection) {
   connection_.d->multiStatements = true;
-  if (connection_.d->mysql) mysql_set_server_option(connection_.d->mysql, MYSQL_OPTION_MULTI_STATEMENTS_ON);
 }
 
-TMyConnection::MultiStatements::~MultiStatements() {
-  connection_.d->multiStatements = false;
-  if (!connection_.d->mysql) return;
-  // Results of the multi-statement request must be read before the option can be changed.
-  connection_.d->releasePending();
-  mysql_set_server_option(connection_.d->mysql, MYSQL_OPTION_MULTI_STATEMENTS_OFF);
-}
+TMyConnection::MultiStatements::~MultiStatements() { connection_.d->multiStatements = false; }
 
 bool ExecSQLText(TMyConnection& session, std::string_view text,
                  const std::function<void(const ServerError&)>& reportError) {

@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <optional>
+#include <stdexcept>
 
 #include "engine/connect/row_store.h"
 #include "engine/connect/session_impl.h"
@@ -264,6 +265,22 @@ bool TMyQuery::NextResult() {
   d->readResult(UniDirectional);
   if (FetchAll && !UniDirectional) FetchRest();
   return true;
+}
+
+bool TMyQuery::MoreResults() const { return d->morePending; }
+
+bool TMyQuery::TakeNextResult(TMyQuery& source) {
+  if (&source.d->connection != &d->connection) throw std::logic_error("queries of different sessions");
+  if (source.d->result) throw std::logic_error("the current result is still being read");
+  if (!source.d->morePending) return false;
+  Close();
+  source.d->morePending = false;
+  source.d->leaveConnection();
+  d->active = true;
+  d->ended = false;
+  d->morePending = true;
+  d->claimConnection();
+  return NextResult();
 }
 
 uint64_t TMyQuery::RowsAffected() const { return d->rowsAffected; }

@@ -59,6 +59,12 @@ class TMyQuery {
 
   // Moves to the next result of a multi-statement request; false when there is none.
   bool NextResult();
+  // Further results of the request are unread.
+  bool MoreResults() const;
+  // Takes over the further results of source's request and moves to the next one, so source keeps
+  // the rows it has read; false when there is none. Source's current result must be read to its
+  // end and both must be on the same session.
+  bool TakeNextResult(TMyQuery& source);
 
   uint64_t RowsAffected() const;
   uint64_t LastInsertId() const;

@@ -24,6 +24,9 @@ struct TMyConnection::Impl {
   std::string serverVersion;
   std::optional<ServerError> lastError;
   bool multiStatements = false;
+  // The option as last set on the server connection; it follows multiStatements at the next
+  // request, because changing it while a result is unread would break the protocol.
+  bool serverMultiStatements = false;
   bool tablesLocked = false;
   // Set once a loss that could not be retried has been reported; the next statement reconnects.
   bool lossReported = false;
@@ -45,6 +48,7 @@ struct TMyConnection::Impl {
 
  private:
   void reconnect();
+  void syncMultiStatements();
   void noteLocks(std::string_view sql);
 };
 
