@@ -26,6 +26,12 @@ namespace {
 
 constexpr int kFirstBookmarkMarker = 0;
 const QString kCommentPrefix = "-- ";
+// The commands that change the text, off in a read-only memo.
+constexpr const char* kEditingCommands[] = {
+    "actUndo",         "actRedo",           "actIndent",        "actUnindent",
+    "actLowerCase",    "actUpperCase",      "actToggleCase",    "actReplace",
+    "actCommentLines", "actUncommentLines", "actSortAscending", "actSortDescending",
+    "actMacroRecord",  "actMacroStop",      "actMacroCancel",   "actMacroPlay"};
 
 QPixmap bookmarkImage(int number) {
   QPixmap pixmap(14, 14);
@@ -47,8 +53,7 @@ QPixmap bookmarkImage(int number) {
 
 TMemoCommands::TMemoCommands(QsciScintilla* memo, QWidget* findBar)
     : QObject(memo), memo_(memo), findBar_(findBar), macro_(std::make_unique<QsciMacro>(memo)) {
-  for (int n = 0; n < kBookmarks; ++n) memo_->markerDefine(bookmarkImage(n), kFirstBookmarkMarker + n);
-
+  addBookmarkCommands();
   connect(add("actUndo", "&Undo", "Ctrl+Z"), &QAction::triggered, memo_, &QsciScintilla::undo);
   connect(add("actRedo", "&Redo", "Ctrl+Shift+Z"), &QAction::triggered, memo_, &QsciScintilla::redo);
   connect(add("actIndent", "&Indent", "Ctrl+Shift+I"), &QAction::triggered, this, [this] {
@@ -127,7 +132,7 @@ TMemoCommands::TMemoCommands(QsciScintilla* memo, QWidget* findBar)
 
 TMemoCommands::~TMemoCommands() = default;
 
-QAction* TMemoCommands::add(const char* name, const QString& caption, const QString& shortcut) {
+QAction* TMemoCommands::add(const QString& name, const QString& caption, const QString& shortcut) {
   auto* action = new QAction(caption, memo_);
   action->setObjectName(name);
   if (!shortcut.isEmpty()) {
@@ -151,14 +156,48 @@ QAction* TMemoCommands::action(const QString& objectName) const {
   return memo_->findChild<QAction*>(objectName);
 }
 
+void TMemoCommands::addBookmarkCommands() {
+  for (int n = 0; n < kBookmarks; ++n) {
+    const QPixmap image = bookmarkImage(n);
+    memo_->markerDefine(image, kFirstBookmarkMarker + n);
+    QAction* set = add(QString("actSetBookmark%1").arg(n), QString("Set Bookmark &%1").arg(n));
+    QAction* clear = add(QString("actClearBookmark%1").arg(n), QString("Clear Bookmark &%1").arg(n));
+    for (QAction* command : {set, clear}) {
+      command->setIcon(image);
+      command->setToolTip(QString("Bookmark %1").arg(n));
+      command->setStatusTip(command->toolTip());
+    }
+    connect(set, &QAction::triggered, this, [this, n] { setBookmark(n); });
+    connect(clear, &QAction::triggered, this, [this, n] { clearBookmark(n); });
+  }
+}
+
+void TMemoCommands::setReadOnly(bool readOnly) {
+  memo_->setReadOnly(readOnly);
+  for (const char* name : kEditingCommands) {
+    QAction* command = action(name);
+    command->setEnabled(!readOnly);
+    command->setVisible(!readOnly);
+  }
+}
+
 void TMemoCommands::buildMenu() {
   popup_ = new QMenu(memo_);
   QMenu* toggle = popup_->addMenu("Toggle bookmark");
   QMenu* go = popup_->addMenu("Goto bookmark");
   for (int n = 0; n < kBookmarks; ++n) {
-    toggle->addAction(QString("Bookmark %1").arg(n), this, [this, n] { toggleBookmark(n); });
-    go->addAction(QString("Bookmark %1").arg(n), this, [this, n] { gotoBookmark(n); });
+    QAction* toggleItem =
+        toggle->addAction(QString("Bookmark %1").arg(n), this, [this, n] { toggleBookmark(n); });
+    toggleItem->setCheckable(true);
+    go->addAction(bookmarkImage(n), QString("Bookmark %1").arg(n), this, [this, n] { gotoBookmark(n); });
   }
+  // The lists show which bookmarks are set: ticked to toggle, enabled to go to.
+  connect(popup_, &QMenu::aboutToShow, this, [this, toggle, go] {
+    for (int n = 0; n < kBookmarks; ++n) {
+      toggle->actions().at(n)->setChecked(bookmarkLine(n) >= 0);
+      go->actions().at(n)->setEnabled(bookmarkLine(n) >= 0);
+    }
+  });
   popup_->addSeparator();
   for (const char* name : std::initializer_list<const char*>{
            "actUndo",           "actRedo",        nullptr,           "actFind",           "actReplace",
@@ -177,13 +216,22 @@ void TMemoCommands::buildMenu() {
           [this](const QPoint& at) { popup_->popup(memo_->mapToGlobal(at)); });
 }
 
+void TMemoCommands::setBookmark(int number) {
+  int line = 0, index = 0;
+  memo_->getCursorPosition(&line, &index);
+  clearBookmark(number);
+  memo_->markerAdd(line, kFirstBookmarkMarker + number);
+}
+
+void TMemoCommands::clearBookmark(int number) { memo_->markerDeleteAll(kFirstBookmarkMarker + number); }
+
 void TMemoCommands::toggleBookmark(int number) {
   int line = 0, index = 0;
   memo_->getCursorPosition(&line, &index);
-  const int marker = kFirstBookmarkMarker + number;
-  const bool here = bookmarkLine(number) == line;
-  memo_->markerDeleteAll(marker);
-  if (!here) memo_->markerAdd(line, marker);
+  if (bookmarkLine(number) == line)
+    clearBookmark(number);
+  else
+    setBookmark(number);
 }
 
 void TMemoCommands::gotoBookmark(int number) {

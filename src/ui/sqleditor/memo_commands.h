@@ -16,7 +16,8 @@ namespace lomarin::ui {
 
 // The editing commands of the SQL memo: bookmarks 0-9, case changes, comments, indenting,
 // sorting, find/replace with an incremental search bar, wrap and view switches, macros and the
-// HTML export. Each is a QAction on the memo, found by its object name.
+// HTML export. Each is a QAction on the memo, found by its object name; bookmark n has
+// "actSetBookmark<n>" and "actClearBookmark<n>".
 class TMemoCommands : public QObject {
   Q_OBJECT
  public:
@@ -33,6 +34,12 @@ class TMemoCommands : public QObject {
   // Lets a window shortcut through that the memo's own key bindings would swallow.
   static void releaseMemoKey(QsciScintilla* memo, const QKeySequence& shortcut);
 
+  // Read-only hides and disables the commands that change the text; bookmarks, find, copy,
+  // view switches and the export stay.
+  void setReadOnly(bool readOnly);
+
+  void setBookmark(int number);
+  void clearBookmark(int number);
   void toggleBookmark(int number);
   void gotoBookmark(int number);
   // Line of bookmark number, -1 when it is not set.
@@ -49,7 +56,8 @@ class TMemoCommands : public QObject {
   int replaceAll();
 
  private:
-  QAction* add(const char* name, const QString& caption, const QString& shortcut = {});
+  QAction* add(const QString& name, const QString& caption, const QString& shortcut = {});
+  void addBookmarkCommands();
   void buildFindBar();
   void buildMenu();
   void selectedLines(int& first, int& last) const;
