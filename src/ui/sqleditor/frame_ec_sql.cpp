@@ -117,6 +117,17 @@ TframeecSQL::TframeecSQL(SettingsStore& settings, std::vector<TCompletionItem> k
 
 TframeecSQL::~TframeecSQL() = default;
 
+TframeecSQL* TframeecSQL::createReadOnly(SettingsStore& settings, QWidget* parent) {
+  auto* frame = new TframeecSQL(settings, {}, {}, parent);
+  frame->commands_->setReadOnly(true);
+  frame->action("actComplete")->setEnabled(false);
+  // Hidden directly: "SQL Tree Enable" is the editor's choice, not this view's.
+  frame->pnlTree_->hide();
+  return frame;
+}
+
+bool TframeecSQL::isReadOnly() const { return memo_->isReadOnly(); }
+
 void TframeecSQL::buildTree() {
   pnlTree_ = new QWidget(split_);
   pnlTree_->setObjectName("pnlTree");

@@ -30,6 +30,10 @@ class TframeecSQL : public QWidget {
   TframeecSQL(SettingsStore& settings, std::vector<TCompletionItem> keywords, TCompletionSources sources,
               QWidget* parent = nullptr);
   ~TframeecSQL() override;
+  // The frame as other documents embed it: highlighting, bookmarks, find and copy; no typing,
+  // completion, statement tree or running. Its text is set through memo()->setText.
+  static TframeecSQL* createReadOnly(SettingsStore& settings, QWidget* parent);
+  bool isReadOnly() const;
 
   QsciScintilla* memo() const { return memo_; }
   QTreeWidget* tree() const { return tvSyntax_; }
