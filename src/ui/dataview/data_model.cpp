@@ -17,7 +17,7 @@ using dataview::TRecord;
 
 namespace {
 
-constexpr int kFetchBatch = 1000;
+constexpr int kFetchBatch = static_cast<int>(TDataModel::FirstRows);
 // A view that keeps reaching the end gets ever larger batches, so scrolling through a big
 // result costs a few dozen repaints instead of one per thousand rows.
 constexpr int kMaxFetchBatch = 1 << 17;
@@ -65,13 +65,19 @@ void TDataModel::resetState() {
 }
 
 void TDataModel::open(const std::string& sql, bool fetchAll) {
+  // The old result goes first, with its memory and its hold on the session.
+  clear();
+  auto query = std::make_unique<TMyQuery>(session_);
+  query->SQL = sql;
+  query->FetchAll = fetchAll;
+  query->Open();
+  adopt(std::move(query));
+}
+
+void TDataModel::adopt(std::unique_ptr<TMyQuery> query) {
   beginResetModel();
   resetState();
   try {
-    auto query = std::make_unique<TMyQuery>(session_);
-    query->SQL = sql;
-    query->FetchAll = fetchAll;
-    query->Open();
     query_ = std::move(query);
     query_->MoveTo(kFetchBatch - 1);
     shownSourceRows_ = static_cast<int>(query_->RecordCount());
@@ -82,6 +88,12 @@ void TDataModel::open(const std::string& sql, bool fetchAll) {
     endResetModel();
     throw;
   }
+  endResetModel();
+}
+
+void TDataModel::clear() {
+  beginResetModel();
+  resetState();
   endResetModel();
 }
 

@@ -23,9 +23,16 @@ class TDataModel : public QAbstractTableModel {
   explicit TDataModel(TMyConnection& session, QObject* parent = nullptr);
   ~TDataModel() override;
 
+  // Rows read at once when a result is shown.
+  static constexpr size_t FirstRows = 1000;
+
   // Sends the statement and shows its first rows (all of them with fetchAll). Throws ServerError;
   // the model is then empty.
   void open(const std::string& sql, bool fetchAll);
+  // Shows the result of a query opened elsewhere (on a worker thread, say); throws like open.
+  void adopt(std::unique_ptr<TMyQuery> query);
+  // No result, no columns.
+  void clear();
   // The next open describes the base table again (after its structure may have changed).
   void forgetTable() { tableInfo_.reset(); }
   const std::vector<TMyField>& fields() const;

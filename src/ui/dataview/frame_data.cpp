@@ -120,16 +120,16 @@ void TframeData::buildUi() {
   pages_->addTab(card_, tr("&Form"));
   layout->addWidget(pages_, 1);
 
-  auto* status = new QStatusBar(this);
-  status->setObjectName("StatusBar");
-  status->setSizeGripEnabled(false);
-  statusText_ = new QLabel(status);
+  statusBar_ = new QStatusBar(this);
+  statusBar_->setObjectName("StatusBar");
+  statusBar_->setSizeGripEnabled(false);
+  statusText_ = new QLabel(statusBar_);
   statusText_->setObjectName("lblStatusText");
-  recordText_ = new QLabel(tr("Record ???"), status);
+  recordText_ = new QLabel(tr("Record ???"), statusBar_);
   recordText_->setObjectName("lblRecord");
-  status->addWidget(statusText_, 1);
-  status->addPermanentWidget(recordText_);
-  layout->addWidget(status);
+  statusBar_->addWidget(statusText_, 1);
+  statusBar_->addPermanentWidget(recordText_);
+  layout->addWidget(statusBar_);
 
   connect(spleftall_, &QToolButton::clicked, this, [this] { pagingStep(&dataview::TLimitPaging::First); });
   connect(spleft_, &QToolButton::clicked, this, [this] { pagingStep(&dataview::TLimitPaging::Prior); });
@@ -181,6 +181,11 @@ bool TframeData::reopen(const std::string& sql) {
     }
     return false;
   }
+  afterOpen();
+  return true;
+}
+
+void TframeData::afterOpen() {
   statusText_->setText(model_->writerReady() && !model_->writer().Editable()
                            ? qs(model_->writer().ReadOnlyReason())
                            : QString());
@@ -191,8 +196,32 @@ bool TframeData::reopen(const std::string& sql) {
   if (model_->rowCount() > 0) grid_->setCurrentIndex(model_->index(0, 0));
   updateRecordIndicator();
   emit opened();
+}
+
+bool TframeData::ShowQuery(std::unique_ptr<TMyQuery> query) {
+  cxgrbolimit_->setVisible(false);
+  IsTable = false;
+  std::string sql = query->SQL;
+  try {
+    model_->adopt(std::move(query));
+    sql_ = std::move(sql);
+  } catch (const ServerError& error) {
+    reportError(qs(error.message()), true);
+    return false;
+  }
+  afterOpen();
   return true;
 }
+
+void TframeData::ClearResult() {
+  model_->clear();
+  sql_.clear();
+  statusText_->clear();
+  card_->rebuild();
+  updateRecordIndicator();
+}
+
+void TframeData::setStatusBarVisible(bool visible) { statusBar_->setVisible(visible); }
 
 bool TframeData::OpenSQL(const std::string& sql) {
   cxgrbolimit_->setVisible(false);
@@ -361,11 +390,9 @@ QString TframeData::statusText() const { return statusText_->text(); }
 void TframeData::updateRecordIndicator() {
   const int count = model_->rowCount();
   const QModelIndex current = grid_->currentIndex();
-  if (count == 0 || !current.isValid()) {
-    recordText_->setText(tr("Record ???"));
-    return;
-  }
-  recordText_->setText(QString("Record  %1 / %2").arg(current.row() + 1).arg(count));
+  recordText_->setText(count == 0 || !current.isValid() ? tr("Record ???")
+                                                        : QString("Record  %1 / %2").arg(current.row() + 1).arg(count));
+  emit recordTextChanged(recordText_->text());
 }
 
 void TframeData::FitColumns() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/connect/my_connection.h"
+#include "engine/connect/my_query.h"
 #include "engine/dataview/browse_sql.h"
 #include "engine/dataview/exporters.h"
 #include "engine/dataview/limit_paging.h"
@@ -16,6 +17,7 @@ class QCheckBox;
 class QFrame;
 class QLabel;
 class QLineEdit;
+class QStatusBar;
 class QTabWidget;
 class QTableView;
 class QToolButton;
@@ -61,8 +63,14 @@ class TframeData : public QWidget {
   void EnableFilter();
   // Any statement, shown without the limit bar (SQL editor results and the like).
   bool OpenSQL(const std::string& sql);
+  // Shows the result of a query opened elsewhere, without the limit bar.
+  bool ShowQuery(std::unique_ptr<TMyQuery> query);
+  // Empties the grid, columns included.
+  void ClearResult();
   // Reopens the current statement.
   bool Refresh();
+  // A document with a status bar of its own shows the record indicator there.
+  void setStatusBarVisible(bool visible);
 
   // Applies a server-side filter condition; empty removes the filter.
   bool ApplyFilter(const QString& condition);
@@ -100,12 +108,14 @@ class TframeData : public QWidget {
 
  signals:
   void opened();
+  void recordTextChanged(const QString& text);
 
  private:
   void buildUi();
   void buildActions();
   void applyOptions();
   bool reopen(const std::string& sql);
+  void afterOpen();
   bool applyLimitClause(const std::string& clause);
   void pagingStep(std::string (dataview::TLimitPaging::*step)());
   void restartPaging();
@@ -143,6 +153,7 @@ class TframeData : public QWidget {
   QTabWidget* pages_ = nullptr;
   QTableView* grid_ = nullptr;
   TDataCard* card_ = nullptr;
+  QStatusBar* statusBar_ = nullptr;
   QLabel* statusText_ = nullptr;
   QLabel* recordText_ = nullptr;
 };

@@ -25,6 +25,7 @@
 #include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/sql_formatter.h"
 #include "engine/sqleditor/sqleditor_options.h"
+#include "ui/dataview/frame_data.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/memo_commands.h"
 
@@ -136,8 +137,17 @@ void TformSQLEditor::buildLayout() {
   }
   splSQL_ = new QSplitter(Qt::Vertical, this);
   splSQL_->setObjectName("splSQL");
+  // The first result shows in the data frame; later results of the same request get tabs of
+  // their own beside it.
   pgcResults_ = new QTabWidget(splSQL_);
   pgcResults_->setObjectName("pgcResults");
+  pgcResults_->setTabBarAutoHide(true);
+  fraData_ = new TframeData(ctx_.Session, ctx_.Settings, pgcResults_);
+  fraData_->setObjectName("fraData");
+  fraData_->setStatusBarVisible(false);
+  fraData_->ErrorDisplay = [this](const QString& message) { showError(message); };
+  connect(fraData_, &TframeData::recordTextChanged, this, [this](const QString& text) { panels_[1]->setText(text); });
+  pgcResults_->addTab(fraData_, "Result 1");
   splSQL_->addWidget(frame_);
   splSQL_->addWidget(pgcResults_);
   splSQL_->setStretchFactor(0, 3);
@@ -154,7 +164,7 @@ void TformSQLEditor::buildLayout() {
     status->addWidget(panel, widths[i] > 0 ? 0 : 1);
     panels_.push_back(panel);
   }
-  updateRecordPanel(-1);
+  panels_[1]->setText(fraData_->recordText());
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);

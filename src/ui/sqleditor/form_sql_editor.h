@@ -22,11 +22,12 @@ class SettingsStore;
 class THsitory;
 class TMyParams;
 class TMyScript;
-struct TResultSet;
+struct TQueryRun;
 }  // namespace lomarin
 
 namespace lomarin::ui {
 
+class TframeData;
 class TframeecSQL;
 
 // What an editor document uses of the program around it.
@@ -42,6 +43,8 @@ struct TSqlEditorContext {
   std::function<bool()> CurrentDb;
   // Objects of the current database for the completion lists.
   std::function<std::vector<TDbObjectItem>()> DatabaseObjects;
+  // The connection runs through an SSH tunnel: query-mode runs then read every row at once.
+  std::function<bool()> IsSSHTunnel;
   // The folder holding the shipped "Utils/" and "formatter/" files.
   QString ShippedFolder;
 };
@@ -58,6 +61,8 @@ class TformSQLEditor : public QWidget {
   ~TformSQLEditor() override;
 
   TframeecSQL* frame() const { return frame_; }
+  // The grid of the first result of a query-mode run.
+  TframeData* fraData() const { return fraData_; }
   QTabWidget* results() const { return pgcResults_; }
   QAction* action(const QString& objectName) const;
   QString panelText(int index) const;
@@ -100,9 +105,8 @@ class TformSQLEditor : public QWidget {
   bool askCurrentDb() const;
   void runQuery(const std::string& text, bool recordHistory);
   void addToHistory(const std::string& text);
-  void showResults(std::vector<TResultSet> results);
+  void showResults(TQueryRun run);
   void clearResults();
-  void updateRecordPanel(int row);
   void showError(const QString& message) const;
   bool saveWithDialog();
   void setRunning(bool running);
@@ -116,11 +120,11 @@ class TformSQLEditor : public QWidget {
   bool running_ = false;
   unsigned long runningThread_ = 0;
   bool stopRequested_ = false;
-  int firstRowCount_ = 0;
 
   QToolBar* tbSQL_;
   QSplitter* splSQL_;
   TframeecSQL* frame_;
+  TframeData* fraData_;
   QTabWidget* pgcResults_;
   std::vector<QLabel*> panels_;
 };

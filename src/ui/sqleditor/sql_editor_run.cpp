@@ -7,6 +7,8 @@
 #include <QTableView>
 #include <chrono>
 
+#include "engine/app/option_names.h"
+#include "engine/app/settings_store.h"
 #include "engine/connect/kill_query.h"
 #include "engine/sqleditor/macros.h"
 #include "engine/sqleditor/my_script.h"
@@ -15,6 +17,8 @@
 #include "engine/sqleditor/run_current.h"
 #include "engine/sqleditor/script_services.h"
 #include "engine/sqleditor/sql_history.h"
+#include "ui/dataview/data_model.h"
+#include "ui/dataview/frame_data.h"
 #include "ui/sqleditor/form_params_manager.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
@@ -115,7 +119,8 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
     if (!ctx_.Params || !AskMacroValues(macros, *ctx_.Params, ctx_.ShowServerError, this)) return;
     sql = ExpandMacros(sql, macros);
   }
-  std::vector<TResultSet> results;
+  const bool fetchAll = (ctx_.IsSSHTunnel && ctx_.IsSSHTunnel()) || ctx_.Settings.read(opt::FetchAllRecords);
+  TQueryRun run;
   std::optional<ServerError> failure;
   {
     DetachedSessionHandlers detached(ctx_.Session);
@@ -123,8 +128,8 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
     stopRequested_ = false;
     setRunning(true);
     try {
-      RunOffUiThread([&] { results = OpenAllResults(ctx_.Session, sql); }, [this] { Stop(); }, this,
-                     "Run SQL");
+      RunOffUiThread([&] { run = OpenQueryRun(ctx_.Session, sql, fetchAll, TDataModel::FirstRows); },
+                     [this] { Stop(); }, this, "Run SQL");
     } catch (const ServerError& error) {
       failure = error;
     }
@@ -141,9 +146,8 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
     return;
   }
   const auto elapsed = std::chrono::steady_clock::now() - t0;
-  firstRowCount_ = results.empty() ? 0 : static_cast<int>(results.front().Rows.size());
-  showResults(std::move(results));
-  panels_[2]->setText("Rows Count  : " + QString::number(firstRowCount_));
+  showResults(std::move(run));
+  panels_[2]->setText("Rows Count  : " + QString::number(fraData_->model()->rowCount()));
   panels_[3]->setText(secondsText(elapsed));
 }
 
@@ -189,35 +193,21 @@ void TformSQLEditor::setRunning(bool running) {
 }
 
 void TformSQLEditor::clearResults() {
-  while (pgcResults_->count() > 0) {
-    QWidget* page = pgcResults_->widget(0);
-    pgcResults_->removeTab(0);
+  while (pgcResults_->count() > 1) {
+    QWidget* page = pgcResults_->widget(1);
+    pgcResults_->removeTab(1);
     delete page;
   }
-  updateRecordPanel(-1);
+  fraData_->ClearResult();
 }
 
-void TformSQLEditor::showResults(std::vector<TResultSet> results) {
+void TformSQLEditor::showResults(TQueryRun run) {
   clearResults();
-  int number = 0;
-  for (TResultSet& result : results) {
-    ++number;
-    if (result.Columns.empty()) continue;
-    auto shared = std::make_shared<const TResultSet>(std::move(result));
-    QTableView* view = createResultView(shared, pgcResults_);
-    pgcResults_->addTab(view, QString("Result %1").arg(number));
-    if (pgcResults_->count() == 1) {
-      connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-              [this](const QModelIndex& current) { updateRecordPanel(current.row()); });
-      if (!shared->Rows.empty()) view->selectRow(0);
-    }
+  if (run.First) fraData_->ShowQuery(std::move(run.First));
+  for (TResultSet& result : run.Others) {
+    QTableView* view = createResultView(std::make_shared<const TResultSet>(std::move(result)), pgcResults_);
+    pgcResults_->addTab(view, QString("Result %1").arg(pgcResults_->count() + 1));
   }
-}
-
-void TformSQLEditor::updateRecordPanel(int row) {
-  panels_[1]->setText(row < 0 || firstRowCount_ == 0
-                          ? QString("Record ???")
-                          : QString("Record  %1 / %2").arg(row + 1).arg(firstRowCount_));
 }
 
 }  // namespace lomarin::ui

@@ -22,6 +22,8 @@
 #include "engine/sqleditor/sql_formatter.h"
 #include "engine/sqleditor/sql_history.h"
 #include "test_server.h"
+#include "ui/dataview/data_model.h"
+#include "ui/dataview/frame_data.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/memo_commands.h"
@@ -140,6 +142,8 @@ class SqlEditorTest : public QObject {
     f.run("actRun", "select 1; select 2 as b union select 3");
     QCOMPARE(f.sent, QStringList{"select 1; select 2 as b union select 3"});
     QCOMPARE(f.editor->results()->count(), 2);
+    QCOMPARE(f.editor->results()->widget(0), f.editor->fraData());
+    QCOMPARE(f.editor->fraData()->model()->index(0, 0).data().toString(), QString("1"));
     auto* second = qobject_cast<QTableView*>(f.editor->results()->widget(1));
     QCOMPARE(second->model()->rowCount(), 2);
     QCOMPARE(second->model()->index(1, 0).data().toString(), QString("3"));
@@ -163,6 +167,44 @@ class SqlEditorTest : public QObject {
     QCOMPARE(f.memo()->text(), QString("select * from no_such_table_ed"));
   }
 
+  void resultsStreamIntoTheDataFrame() {
+    Fixture f(folder_);
+    TDataModel* model = f.editor->fraData()->model();
+    const QString big = "select seq, seq * 2 as d from seq_1_to_100000";
+    f.run("actRun", big);
+    QCOMPARE(f.sent, QStringList{big});
+    QCOMPARE(f.editor->panelText(2), QString("Rows Count  : 1000"));
+    QCOMPARE(f.editor->panelText(1), QString("Record  1 / 1000"));
+    QCOMPARE(model->headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(), QString("d"));
+    // Scrolling reads on; a request of its own (multi-statement mode is off again) still works.
+    QVERIFY(model->canFetchMore({}));
+    model->fetchMore({});
+    QVERIFY(model->rowCount() > 1000);
+    QCOMPARE(test::scalar(*f.session, "select 7"), std::string("7"));
+
+    // Rows-less statements before the first result are passed over, and every later result has
+    // a tab; a run that returns no rows leaves an empty grid and no extra tab.
+    f.run("actRun", "do 1; select 5 as five; set @x = 1; select 6");
+    QCOMPARE(model->index(0, 0).data().toString(), QString("5"));
+    QCOMPARE(f.editor->results()->count(), 2);
+    f.run("actRun", "do 1");
+    QCOMPARE(f.editor->results()->count(), 1);
+    QCOMPARE(model->columnCount(), 0);
+    QCOMPARE(f.editor->panelText(1), QString("Record ???"));
+
+    // "FetchAll Records" is read before every run; an SSH tunnel reads every row in any case.
+    f.settings.write(opt::FetchAllRecords, true);
+    f.run("actRun", big);
+    QCOMPARE(f.editor->panelText(2), QString("Rows Count  : 100000"));
+    f.settings.write(opt::FetchAllRecords, false);
+    TSqlEditorContext tunnelled(*f.session, f.settings);
+    tunnelled.IsSSHTunnel = [] { return true; };
+    TformSQLEditor editor(tunnelled);
+    editor.frame()->memo()->setText(big);
+    editor.action("actRun")->trigger();
+    QCOMPARE(editor.fraData()->model()->rowCount(), 100000);
+  }
+
   void historyOnlyWithSqlTrace() {
     Fixture f(folder_, "lomarin_test", false);
     f.run("actRun", "select 1");
@@ -173,7 +215,8 @@ class SqlEditorTest : public QObject {
     Fixture f(folder_);
     f.run("actRunScript", "select 1; select 2");
     QCOMPARE(f.sent, (QStringList{"select 1", "select 2"}));
-    QCOMPARE(f.editor->results()->count(), 0);
+    QCOMPARE(f.editor->results()->count(), 1);
+    QCOMPARE(f.editor->fraData()->model()->columnCount(), 0);
     QVERIFY(f.editor->panelText(3).startsWith("SQL Executed : "));
 
     test::sideExec("drop procedure if exists lomarin_test.ed_proc");
