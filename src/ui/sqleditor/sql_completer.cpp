@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QPixmap>
 
+#include "ui/sqleditor/completion_popup.h"
+
 namespace lomarin::ui {
 
 namespace {
@@ -21,6 +23,9 @@ enum Image {
   ImgColumn,
   ImgSnippet
 };
+
+// QScintilla's user list of the snippets.
+constexpr int kSnippetList = 3;
 
 QPixmap letterImage(QChar letter, QColor colour) {
   QPixmap pixmap(14, 14);
@@ -39,70 +44,57 @@ QPixmap letterImage(QChar letter, QColor colour) {
   return pixmap;
 }
 
-int imageOf(TDbObjectItem::Kind kind) { return ImgTable + static_cast<int>(kind); }
+QPixmap imageFor(Image id) {
+  static const std::pair<char, QColor> looks[] = {
+      {'K', QColor(0, 0, 160)},   {'T', QColor(0, 128, 0)},  {'V', QColor(0, 128, 128)},
+      {'P', QColor(128, 0, 128)}, {'F', QColor(160, 80, 0)}, {'R', QColor(160, 0, 0)},
+      {'E', QColor(90, 90, 90)},  {'C', QColor(0, 90, 180)}, {'S', QColor(120, 120, 0)}};
+  const auto& [letter, colour] = looks[id - ImgKeyword];
+  return letterImage(QChar(letter), colour);
+}
 
-std::string wordBefore(const QsciScintilla& memo) {
-  int line = 0;
-  int index = 0;
-  memo.getCursorPosition(&line, &index);
-  const QString text = memo.text(line).left(index);
-  qsizetype start = text.size();
-  while (start > 0 && (text[start - 1].isLetterOrNumber() || text[start - 1] == '_')) --start;
-  return text.mid(start).toStdString();
+int imageOf(TDbObjectKind kind) { return ImgTable + static_cast<int>(kind); }
+
+std::vector<TPopupRow> rowsOf(const std::vector<TCompletionItem>& items, const QIcon& icon) {
+  std::vector<TPopupRow> rows;
+  rows.reserve(items.size());
+  for (const TCompletionItem& item : items)
+    rows.push_back({QString::fromStdString(item.Text), QString::fromStdString(item.Display), icon});
+  return rows;
 }
 
 }  // namespace
 
 TSqlCompleter::TSqlCompleter(QsciScintilla* memo, std::vector<TCompletionItem> keywords,
                              TCompletionSources sources)
-    : QObject(memo), memo_(memo), keywords_(std::move(keywords)), sources_(std::move(sources)) {
-  registerImages();
-  // Lists keep the order they are given in, and typing still narrows them.
+    : QObject(memo),
+      memo_(memo),
+      popup_(new TCompletionPopup(memo)),
+      keywords_(std::move(keywords)),
+      sources_(std::move(sources)) {
+  for (int id = ImgKeyword; id <= ImgSnippet; ++id) icons_.push_back(QIcon(imageFor(static_cast<Image>(id))));
+  memo_->registerImage(ImgSnippet, imageFor(ImgSnippet));
+  // The snippet list keeps its order, and typing still narrows it.
   memo_->SendScintilla(QsciScintillaBase::SCI_AUTOCSETORDER, 2);
   memo_->SendScintilla(QsciScintillaBase::SCI_AUTOCSETIGNORECASE, 1);
-  // Letters typed while a list is up go on into the word; the list stays until a choice.
   memo_->SendScintilla(QsciScintillaBase::SCI_AUTOCSETAUTOHIDE, 0);
-  connect(memo_, &QsciScintilla::userListActivated, this, &TSqlCompleter::activated);
-}
-
-void TSqlCompleter::registerImages() {
-  const std::pair<Image, std::pair<char, QColor>> images[] = {
-      {ImgKeyword, {'K', QColor(0, 0, 160)}},   {ImgTable, {'T', QColor(0, 128, 0)}},
-      {ImgView, {'V', QColor(0, 128, 128)}},    {ImgProcedure, {'P', QColor(128, 0, 128)}},
-      {ImgFunction, {'F', QColor(160, 80, 0)}}, {ImgTrigger, {'R', QColor(160, 0, 0)}},
-      {ImgEvent, {'E', QColor(90, 90, 90)}},    {ImgColumn, {'C', QColor(0, 90, 180)}},
-      {ImgSnippet, {'S', QColor(120, 120, 0)}}};
-  for (const auto& [id, look] : images) memo_->registerImage(id, letterImage(QChar(look.first), look.second));
+  connect(memo_, &QsciScintilla::userListActivated, this, &TSqlCompleter::snippetChosen);
 }
 
 void TSqlCompleter::showKeywords() {
-  // The list holds what continues the word before the caret; choosing replaces that word.
-  const QString typed = QString::fromStdString(wordBefore(*memo_));
-  auto fits = [&](const std::string& text) {
-    return QString::fromStdString(text).startsWith(typed, Qt::CaseInsensitive);
-  };
-  std::vector<TCompletionItem> items;
-  std::vector<int> images;
-  for (const TCompletionItem& keyword : keywords_) {
-    if (!fits(keyword.Text)) continue;
-    items.push_back(keyword);
-    images.push_back(ImgKeyword);
-  }
-  if (sources_.DatabaseObjects) {
-    for (const TDbObjectItem& object : sources_.DatabaseObjects()) {
-      if (!fits(object.Name.toStdString())) continue;
-      items.push_back({object.Name.toStdString(), object.Name.toStdString()});
-      images.push_back(imageOf(object.ObjectKind));
-    }
-  }
-  if (!items.empty()) show(KeywordList, std::move(items), images);
+  std::vector<TPopupRow> rows = rowsOf(keywords_, icon(ImgKeyword));
+  if (sources_.DatabaseObjects)
+    for (const TDbObjectItem& object : sources_.DatabaseObjects())
+      rows.push_back({object.Name, object.Name, icon(imageOf(object.ObjectKind))});
+  popup_->popup(rows);
 }
 
 void TSqlCompleter::showSnippets() {
-  std::vector<TCompletionItem> items;
+  QStringList list;
   for (std::string_view snippet : SqlSnippets())
-    items.push_back({std::string(snippet), std::string(snippet)});
-  show(SnippetList, items, std::vector<int>(items.size(), ImgSnippet));
+    list << QString::fromUtf8(snippet.data(), static_cast<qsizetype>(snippet.size())) + "?" +
+                QString::number(ImgSnippet);
+  memo_->showUserList(kSnippetList, list);
 }
 
 bool TSqlCompleter::showColumns() {
@@ -110,39 +102,25 @@ bool TSqlCompleter::showColumns() {
   std::vector<std::string> tables;
   if (sources_.DatabaseObjects)
     for (const TDbObjectItem& object : sources_.DatabaseObjects())
-      tables.push_back(object.Name.toStdString());
+      if (object.ObjectKind == TDbObjectKind::Table || object.ObjectKind == TDbObjectKind::View)
+        tables.push_back(object.Name.toStdString());
   const QByteArray text = memo_->text().toUtf8();
   const auto caret = static_cast<size_t>(memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS));
   const std::optional<std::string> table =
       ColumnSourceTable(std::string_view(text.constData(), text.size()), caret, tables);
   if (!table) return false;
-  std::vector<TCompletionItem> items = ColumnItems(sources_.DescribeTable(*table));
-  show(ColumnList, items, std::vector<int>(items.size(), ImgColumn));
-  return true;
+  return popup_->popup(rowsOf(ColumnItems(sources_.DescribeTable(*table)), icon(ImgColumn)));
 }
 
-void TSqlCompleter::show(ListId id, std::vector<TCompletionItem> items, const std::vector<int>& images) {
-  QStringList list;
-  textOfDisplay_.clear();
-  for (size_t i = 0; i < items.size(); ++i) {
-    const QString display = QString::fromStdString(items[i].Display);
-    textOfDisplay_.insert(display, QString::fromStdString(items[i].Text));
-    list << display + "?" + QString::number(images[i]);
-  }
-  shown_ = std::move(items);
-  memo_->showUserList(id, list);
-}
+const QIcon& TSqlCompleter::icon(int image) const { return icons_[static_cast<size_t>(image - ImgKeyword)]; }
 
-void TSqlCompleter::activated(int id, const QString& display) {
-  const QString text = textOfDisplay_.value(display, display);
-  if (id != ColumnList) {
-    // The typed start of the word is replaced by the chosen item.
-    const auto typed = static_cast<int>(QString::fromStdString(wordBefore(*memo_)).toUtf8().size());
-    const int end = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS));
-    memo_->SendScintilla(QsciScintillaBase::SCI_SETSEL, end - typed, end);
-  }
+void TSqlCompleter::snippetChosen(int id, const QString& text) {
+  if (id != kSnippetList) return;
+  // The typed start of the word is replaced by the chosen snippet.
+  memo_->SendScintilla(QsciScintillaBase::SCI_SETSEL, WordStartBeforeCaret(*memo_),
+                       memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS));
   memo_->replaceSelectedText(text);
-  if (id == SnippetList && CaretInsideBrackets(text.toStdString())) {
+  if (CaretInsideBrackets(text.toStdString())) {
     const int pos = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_GETCURRENTPOS));
     memo_->SendScintilla(QsciScintillaBase::SCI_GOTOPOS, pos - 1);
   }

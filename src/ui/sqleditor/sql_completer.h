@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QHash>
+#include <QIcon>
 #include <QObject>
 #include <QString>
 #include <functional>
@@ -8,15 +8,19 @@
 #include <utility>
 #include <vector>
 
+#include "engine/sqleditor/db_object_names.h"
 #include "engine/sqleditor/sql_completion.h"
 
 class QsciScintilla;
 
 namespace lomarin::ui {
 
+class TCompletionPopup;
+struct TPopupRow;
+
 // An object of the current database as the completion lists show it.
 struct TDbObjectItem {
-  enum class Kind { Table, View, Procedure, Function, Trigger, Event };
+  using Kind = TDbObjectKind;
   QString Name;
   Kind ObjectKind = Kind::Table;
 };
@@ -29,13 +33,12 @@ struct TCompletionSources {
   std::function<std::vector<std::pair<std::string, std::string>>(const std::string& table)> DescribeTable;
 };
 
-// The three lists of the SQL memo: keywords and objects (Ctrl+Space), the columns of a table or
-// alias after a point, and the statement snippets (Ctrl+J).
+// The three lists of the SQL memo: keywords and objects (Ctrl+Space) and the columns of a table or
+// alias after a point, where several items may be chosen at once, and the statement snippets
+// (Ctrl+J).
 class TSqlCompleter : public QObject {
   Q_OBJECT
  public:
-  enum ListId { KeywordList = 1, ColumnList = 2, SnippetList = 3 };
-
   TSqlCompleter(QsciScintilla* memo, std::vector<TCompletionItem> keywords, TCompletionSources sources);
 
   void showKeywords();
@@ -43,19 +46,19 @@ class TSqlCompleter : public QObject {
   // Shows the column list when the caret stands after "table." or "alias."; false otherwise.
   bool showColumns();
 
-  // The items of the list shown last, as inserted.
-  const std::vector<TCompletionItem>& shownItems() const { return shown_; }
+  // The list of keywords, objects and columns.
+  TCompletionPopup* popup() const { return popup_; }
 
  private:
-  void show(ListId id, std::vector<TCompletionItem> items, const std::vector<int>& images);
-  void activated(int id, const QString& display);
-  void registerImages();
+  void snippetChosen(int id, const QString& text);
+  const QIcon& icon(int image) const;
 
   QsciScintilla* memo_;
+  TCompletionPopup* popup_;
   std::vector<TCompletionItem> keywords_;
   TCompletionSources sources_;
-  std::vector<TCompletionItem> shown_;
-  QHash<QString, QString> textOfDisplay_;
+  // The images of the lists, by image number from 1.
+  std::vector<QIcon> icons_;
 };
 
 }  // namespace lomarin::ui

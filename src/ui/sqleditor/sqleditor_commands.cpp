@@ -4,6 +4,7 @@
 #include <QMdiSubWindow>
 #include <memory>
 
+#include "engine/sqleditor/db_object_names.h"
 #include "engine/sqleditor/sqleditor_options.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
@@ -13,16 +14,29 @@ namespace lomarin::ui {
 
 namespace {
 
-// The history and the parameter values every editor of the window shares.
+// The history, the parameter values and the name lists every editor of the window shares.
 struct SharedStores {
   THsitory History;
   TMyParams Params;
+  TDbNameLists Names;
 };
 
-TformSQLEditor* newEditor(Tformppal& window, SharedStores& stores) {
+std::vector<TDbObjectItem> databaseObjects(TMyConnection& session, TDbNameLists& names) {
+  std::vector<TDbObjectItem> items;
+  try {
+    for (const TDbObjectName& object : names.objects(session))
+      items.push_back({QString::fromStdString(object.Name), object.Kind});
+  } catch (const ServerError&) {
+    // The session's error handler has shown it; the lists are tried again next time.
+  }
+  return items;
+}
+
+TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>& stores) {
   TSqlEditorContext context(window.MySqlSession, window.settings());
-  context.History = &stores.History;
-  context.Params = &stores.Params;
+  context.History = &stores->History;
+  context.Params = &stores->Params;
+  context.DatabaseObjects = [&window, stores] { return databaseObjects(window.MySqlSession, stores->Names); };
   context.ShowServerError = [&window](const QString& message) { window.ShowServerError(message); };
   context.CurrentDb = [&window] { return window.currentdb(); };
   return new TformSQLEditor(context);
@@ -31,11 +45,11 @@ TformSQLEditor* newEditor(Tformppal& window, SharedStores& stores) {
 }  // namespace
 
 void installSqlEditorCommands(Tformppal& window) {
-  auto stores = std::make_shared<SharedStores>(SharedStores{OpenHistory(window.settings()), OpenParams()});
+  auto stores = std::make_shared<SharedStores>(SharedStores{OpenHistory(window.settings()), OpenParams(), {}});
   window.actions().setHandler("actSqlEditor",
-                              [&window, stores] { window.addDocument(newEditor(window, *stores)); });
+                              [&window, stores] { window.addDocument(newEditor(window, stores)); });
   window.setFileOpener(".sql", [&window, stores](const QString& fileName) -> QWidget* {
-    TformSQLEditor* editor = newEditor(window, *stores);
+    TformSQLEditor* editor = newEditor(window, stores);
     if (!editor->loadFile(fileName)) {
       delete editor;
       window.ShowServerError(QString("Cannot read %1").arg(fileName));
@@ -44,7 +58,8 @@ void installSqlEditorCommands(Tformppal& window) {
     window.addDocument(editor);
     return editor;
   });
-  QObject::connect(&window, &Tformppal::connectionChanged, &window, [&window] {
+  QObject::connect(&window, &Tformppal::connectionChanged, &window, [&window, stores] {
+    stores->Names.release();
     const auto documents = window.mdiArea()->subWindowList();
     for (auto it = documents.rbegin(); it != documents.rend(); ++it)
       if (auto* editor = qobject_cast<TformSQLEditor*>((*it)->widget())) editor->updateConnected();

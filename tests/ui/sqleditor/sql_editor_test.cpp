@@ -274,40 +274,8 @@ class SqlEditorTest : public QObject {
     QCOMPARE(f.sent, QStringList{"select 3"});
   }
 
-  void columnsAfterAnAlias() {
-    Fixture f(folder_, "lomarin_demo");
-    f.memo()->setText("select  from orders t");
-    f.memo()->setCursorPosition(0, 7);
-    f.memo()->setFocus();
-    f.sent.clear();
-    QTest::keyClicks(f.memo(), "t.");
-    QCOMPARE(f.sent, QStringList{"DESC orders"});
-    const auto& items = f.editor->frame()->completer()->shownItems();
-    QVERIFY(items.size() > 3);
-    QCOMPARE(QString::fromStdString(items[0].Display), QString("<ALL>"));
-    QCOMPARE(QString::fromStdString(items[0].Text), QString("*"));
-    QCOMPARE(QString::fromStdString(items[1].Text), QString("order_id"));
-    QVERIFY(f.memo()->isListActive());
-    QTest::keyClick(f.memo(), Qt::Key_Return);
-    QCOMPARE(f.memo()->text(), QString("select t.* from orders t"));
-
-    // Ctrl+Space: the shipped keywords, then the database's objects, that continue the typed
-    // word; the choice replaces the word.
-    f.memo()->setText("select * from orde");
-    f.memo()->setCursorPosition(0, 18);
-    f.editor->frame()->action("actComplete")->trigger();
-    const auto& words = f.editor->frame()->completer()->shownItems();
-    QCOMPARE(words.size(), size_t{2});
-    QCOMPARE(QString::fromStdString(words[0].Text), QString("ORDER"));
-    QCOMPARE(QString::fromStdString(words[1].Text), QString("orders"));
-    QTest::keyClick(f.memo(), Qt::Key_Down);
-    QTest::keyClick(f.memo(), Qt::Key_Return);
-    QCOMPARE(f.memo()->text(), QString("select * from orders"));
-    f.memo()->setText("");
-    f.editor->frame()->action("actComplete")->trigger();
-    QVERIFY(f.editor->frame()->completer()->shownItems().size() > 500);
-    f.memo()->cancelList();
-
+  void snippetsLeaveTheCaretInsideBrackets() {
+    Fixture f(folder_);
     // Snippets ending in a bracket leave the caret inside it.
     f.memo()->setText("");
     f.editor->action("actSQLList")->trigger();
