@@ -153,8 +153,10 @@ void TCompletionPopup::fitToRows() {
 
 void TCompletionPopup::placeAtWordStart() {
   QWidget* area = parentWidget();
-  const auto x = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0, wordStart_));
-  const auto y = static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0, wordStart_));
+  const auto x =
+      static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_POINTXFROMPOSITION, 0, wordStart_));
+  const auto y =
+      static_cast<int>(memo_->SendScintilla(QsciScintillaBase::SCI_POINTYFROMPOSITION, 0, wordStart_));
   const QPoint top = memo_->viewport()->mapTo(area, QPoint(x, y));
   const int below = top.y() + memo_->textHeight(line_);
   // Above the line when there is no room below it.

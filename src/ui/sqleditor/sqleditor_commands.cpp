@@ -39,13 +39,18 @@ TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>
   context.DatabaseObjects = [&window, stores] { return databaseObjects(window.MySqlSession, stores->Names); };
   context.ShowServerError = [&window](const QString& message) { window.ShowServerError(message); };
   context.CurrentDb = [&window] { return window.currentdb(); };
+  context.FileChoices = [&window] {
+    const auto& chosen = window.editorFileChoices();
+    return TEditorFileChoices{chosen.Charset, chosen.Format, chosen.Encoding};
+  };
   return new TformSQLEditor(context);
 }
 
 }  // namespace
 
 void installSqlEditorCommands(Tformppal& window) {
-  auto stores = std::make_shared<SharedStores>(SharedStores{OpenHistory(window.settings()), OpenParams(), {}});
+  auto stores =
+      std::make_shared<SharedStores>(SharedStores{OpenHistory(window.settings()), OpenParams(), {}});
   window.actions().setHandler("actSqlEditor",
                               [&window, stores] { window.addDocument(newEditor(window, stores)); });
   window.setFileOpener(".sql", [&window, stores](const QString& fileName) -> QWidget* {

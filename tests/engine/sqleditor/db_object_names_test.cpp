@@ -28,7 +28,8 @@ TEST(DbObjectNames, StatementsFollowTheServerVersion) {
 // A session on a database, with what it sent.
 struct Watched {
   explicit Watched(const std::string& database) : session(test::connect(database)) {
-    monitor.addListener([this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
+    monitor.addListener(
+        [this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
     session->setMonitor(&monitor);
   }
   std::unique_ptr<TMyConnection> session;

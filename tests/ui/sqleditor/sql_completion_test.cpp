@@ -68,13 +68,24 @@ struct CompletionFixture {
   std::unique_ptr<TformSQLEditor> editor;
 };
 
-const QStringList kDemoObjects = {"categories",         "customers",       "order_items",
-                                  "orders",             "price_history",   "product_media",
-                                  "products",           "raw_import",      "v_customer_revenue",
-                                  "v_order_totals",     "get_customer_orders", "order_total",
-                                  "trg_products_price_history", "ev_purge_price_history"};
+const QStringList kDemoObjects = {"categories",
+                                  "customers",
+                                  "order_items",
+                                  "orders",
+                                  "price_history",
+                                  "product_media",
+                                  "products",
+                                  "raw_import",
+                                  "v_customer_revenue",
+                                  "v_order_totals",
+                                  "get_customer_orders",
+                                  "order_total",
+                                  "trg_products_price_history",
+                                  "ev_purge_price_history"};
 
-QImage iconImage(const QListWidgetItem* item) { return item ? item->icon().pixmap(14, 14).toImage() : QImage(); }
+QImage iconImage(const QListWidgetItem* item) {
+  return item ? item->icon().pixmap(14, 14).toImage() : QImage();
+}
 
 class SqlCompletionTest : public QObject {
   Q_OBJECT
@@ -91,9 +102,12 @@ class SqlCompletionTest : public QObject {
     QCOMPARE(f.sent.size(), 5);
 
     // One image per kind: tables share theirs, every other kind and the keywords have their own.
-    std::vector<QImage> kinds = {iconImage(f.row("ABS")), iconImage(f.row("customers")),
-                                 iconImage(f.row("v_order_totals")), iconImage(f.row("get_customer_orders")),
-                                 iconImage(f.row("order_total")), iconImage(f.row("trg_products_price_history")),
+    std::vector<QImage> kinds = {iconImage(f.row("ABS")),
+                                 iconImage(f.row("customers")),
+                                 iconImage(f.row("v_order_totals")),
+                                 iconImage(f.row("get_customer_orders")),
+                                 iconImage(f.row("order_total")),
+                                 iconImage(f.row("trg_products_price_history")),
                                  iconImage(f.row("ev_purge_price_history"))};
     QCOMPARE(iconImage(f.row("raw_import")), kinds[1]);
     QCOMPARE(iconImage(f.row("v_customer_revenue")), kinds[2]);

@@ -1,3 +1,5 @@
+#include "ui/sqleditor/sqleditor_commands.h"
+
 #include <Qsci/qsciscintilla.h>
 
 #include <QAction>
@@ -12,16 +14,15 @@
 #include "test_server.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
+#include "ui/sqleditor/completion_popup.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
-#include "ui/sqleditor/completion_popup.h"
-#include "ui/sqleditor/sqleditor_commands.h"
 #include "ui_test_registry.h"
 
 namespace {
 
-using lomarin::ui::TformSQLEditor;
 using lomarin::ui::Tformppal;
+using lomarin::ui::TformSQLEditor;
 
 // What Ctrl+Space in the editor offers, and the statements it sent for that.
 struct Completion {
@@ -71,9 +72,8 @@ class SqlEditorCommandsTest : public QObject {
     lomarin::ui::installSqlEditorCommands(window);
     window.show();
     QStringList sent;
-    window.MySqlMonitor.addListener([&](const std::string& line) {
-      sent << QString::fromStdString(line.substr(line.find("] ") + 2));
-    });
+    window.MySqlMonitor.addListener(
+        [&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
     lomarin::test::sideExec("DROP DATABASE IF EXISTS lomarin_names_ui");
     lomarin::test::sideExec("CREATE DATABASE lomarin_names_ui");
     lomarin::test::sideExec("CREATE VIEW lomarin_names_ui.only_view AS SELECT 1 AS one");
@@ -95,8 +95,9 @@ class SqlEditorCommandsTest : public QObject {
     };
     const auto demoStatements = [&] {
       QStringList statements;
-      for (const std::string& sql : lomarin::DbObjectStatements("lomarin_demo", window.MySqlSession.ServerMajorVersion(),
-                                                                window.MySqlSession.ServerVersionNumber()))
+      for (const std::string& sql :
+           lomarin::DbObjectStatements("lomarin_demo", window.MySqlSession.ServerMajorVersion(),
+                                       window.MySqlSession.ServerVersionNumber()))
         statements << QString::fromStdString(sql);
       return statements;
     }();
@@ -110,6 +111,16 @@ class SqlEditorCommandsTest : public QObject {
     const Completion shared = complete(openEditor());
     QVERIFY(shared.sent.isEmpty());
     QCOMPARE(shared.offered, loaded.offered);
+
+    // Shown at the caret of the editor in front, in the main window.
+    TformSQLEditor* front = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+    front->frame()->memo()->setText("select * from c");
+    front->frame()->memo()->setCursorPosition(0, 15);
+    front->frame()->action("actComplete")->trigger();
+    QVERIFY(front->frame()->completer()->popup()->isVisible());
+    lomarin::test::render(window, "sql_completion_in_main_window");
+    front->frame()->completer()->popup()->hide();
+    front->frame()->memo()->setText("");
 
     // Another current database: loaded again, for it.
     lomarin::TMyQuery use(window.MySqlSession);
