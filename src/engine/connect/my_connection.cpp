@@ -257,6 +257,8 @@ std::string TMyConnection::CurrentDatabase() const { return d->schema(); }
 
 unsigned long TMyConnection::ThreadId() const { return d->mysql ? mysql_thread_id(d->mysql) : 0; }
 
+void TMyConnection::ReleasePending() { d->releasePending(); }
+
 unsigned TMyConnection::AppliedConnectTimeout() const {
   unsigned timeout = 0;
   if (d->mysql) mysql_get_optionv(d->mysql, MYSQL_OPT_CONNECT_TIMEOUT, &timeout);

@@ -52,6 +52,9 @@ class TMyConnection {
   std::string CharsetName() const;
   std::string CurrentDatabase() const;
   unsigned long ThreadId() const;
+  // Reads into its query whatever an open result still holds on the connection, so that the
+  // session can be handed to another thread without that thread touching the query's rows.
+  void ReleasePending();
   // Connect time-out the client library holds, in seconds (0: the library's default).
   unsigned AppliedConnectTimeout() const;
   // Empty when the connection is not encrypted.

@@ -6,6 +6,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <chrono>
+#include <utility>
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
@@ -31,15 +32,18 @@ namespace lomarin::ui {
 namespace {
 
 // The session's handlers show dialogs; while a worker thread uses the session they stay off,
-// and the caller shows what went wrong once back on this thread.
+// and the caller shows what went wrong once back on this thread. A result still open in a grid
+// is read in first, here, so the worker never adds rows to a grid that is painting them.
 class DetachedSessionHandlers {
  public:
-  explicit DetachedSessionHandlers(TMyConnection& session)
-      : session_(session),
-        onError_(std::move(session.Events.OnError)),
-        onLost_(std::move(session.Events.OnConnectionLost)) {
-    session_.Events.OnError = nullptr;
-    session_.Events.OnConnectionLost = nullptr;
+  explicit DetachedSessionHandlers(TMyConnection& session) : session_(session) {
+    try {
+      session_.ReleasePending();
+    } catch (const ServerError&) {
+      // Shown by the handler still attached; the worker's request meets the same state.
+    }
+    onError_ = std::exchange(session_.Events.OnError, nullptr);
+    onLost_ = std::exchange(session_.Events.OnConnectionLost, nullptr);
   }
   ~DetachedSessionHandlers() {
     session_.Events.OnError = std::move(onError_);
