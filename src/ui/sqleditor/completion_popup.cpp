@@ -38,8 +38,9 @@ int WordStartBeforeCaret(QsciScintilla& memo) {
       memo.SendScintilla(QsciScintillaBase::SCI_WORDSTARTPOSITION, caretPosition(memo), true));
 }
 
-TCompletionPopup::TCompletionPopup(QsciScintilla* memo) : QListWidget(memo), memo_(memo) {
-  setObjectName("lbCompletion");
+TCompletionPopup::TCompletionPopup(QsciScintilla* memo, const QString& objectName)
+    : QListWidget(memo), memo_(memo) {
+  setObjectName(objectName);
   hide();
   setFocusPolicy(Qt::NoFocus);
   setSelectionMode(QAbstractItemView::ExtendedSelection);

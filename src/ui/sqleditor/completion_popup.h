@@ -25,7 +25,7 @@ struct TPopupRow {
 class TCompletionPopup : public QListWidget {
   Q_OBJECT
  public:
-  explicit TCompletionPopup(QsciScintilla* memo);
+  TCompletionPopup(QsciScintilla* memo, const QString& objectName);
 
   // False, and nothing shown, when no row fits the word before the caret.
   bool popup(const std::vector<TPopupRow>& rows);

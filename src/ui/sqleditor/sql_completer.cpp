@@ -69,7 +69,8 @@ TSqlCompleter::TSqlCompleter(QsciScintilla* memo, std::vector<TCompletionItem> k
                              TCompletionSources sources)
     : QObject(memo),
       memo_(memo),
-      popup_(new TCompletionPopup(memo)),
+      keywordPopup_(new TCompletionPopup(memo, "AutoCompletePopup1")),
+      columnPopup_(new TCompletionPopup(memo, "AutoCompletePopup2")),
       keywords_(std::move(keywords)),
       sources_(std::move(sources)) {
   for (int id = ImgKeyword; id <= ImgSnippet; ++id) icons_.push_back(QIcon(imageFor(static_cast<Image>(id))));
@@ -86,7 +87,8 @@ void TSqlCompleter::showKeywords() {
   if (sources_.DatabaseObjects)
     for (const TDbObjectItem& object : sources_.DatabaseObjects())
       rows.push_back({object.Name, object.Name, icon(imageOf(object.ObjectKind))});
-  popup_->popup(rows);
+  columnPopup_->hide();
+  keywordPopup_->popup(rows);
 }
 
 void TSqlCompleter::showSnippets() {
@@ -109,7 +111,8 @@ bool TSqlCompleter::showColumns() {
   const std::optional<std::string> table =
       ColumnSourceTable(std::string_view(text.constData(), text.size()), caret, tables);
   if (!table) return false;
-  return popup_->popup(rowsOf(ColumnItems(sources_.DescribeTable(*table)), icon(ImgColumn)));
+  keywordPopup_->hide();
+  return columnPopup_->popup(rowsOf(ColumnItems(sources_.DescribeTable(*table)), icon(ImgColumn)));
 }
 
 const QIcon& TSqlCompleter::icon(int image) const { return icons_[static_cast<size_t>(image - ImgKeyword)]; }

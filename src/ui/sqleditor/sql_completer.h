@@ -46,15 +46,17 @@ class TSqlCompleter : public QObject {
   // Shows the column list when the caret stands after "table." or "alias."; false otherwise.
   bool showColumns();
 
-  // The list of keywords, objects and columns.
-  TCompletionPopup* popup() const { return popup_; }
+  // The keywords and objects, and the columns.
+  TCompletionPopup* keywordPopup() const { return keywordPopup_; }
+  TCompletionPopup* columnPopup() const { return columnPopup_; }
 
  private:
   void snippetChosen(int id, const QString& text);
   const QIcon& icon(int image) const;
 
   QsciScintilla* memo_;
-  TCompletionPopup* popup_;
+  TCompletionPopup* keywordPopup_;
+  TCompletionPopup* columnPopup_;
   std::vector<TCompletionItem> keywords_;
   TCompletionSources sources_;
   // The images of the lists, by image number from 1.

@@ -44,7 +44,10 @@ struct CompletionFixture {
   }
 
   QsciScintilla* memo() const { return editor->frame()->memo(); }
-  TCompletionPopup* popup() const { return editor->frame()->completer()->popup(); }
+  // Keywords and objects; "AutoCompletePopup2" for the columns.
+  TCompletionPopup* popup(const char* name = "AutoCompletePopup1") const {
+    return editor->findChild<TCompletionPopup*>(name);
+  }
   // The text, the caret at its end, and the keyword list opened.
   void complete(const QString& text) {
     memo()->setText(text);
@@ -187,10 +190,11 @@ class SqlCompletionTest : public QObject {
     f.sent.clear();
     QTest::keyClicks(f.memo(), "o.");
     QCOMPARE(f.sent, QStringList{"DESC orders"});
-    QVERIFY(f.popup()->isVisible());
-    QCOMPARE(f.popup()->item(0)->text(), QString("<ALL>"));
-    QCOMPARE(f.popup()->shownTexts().mid(0, 3), (QStringList{"*", "order_id", "customer_id"}));
-    QCOMPARE(f.popup()->item(1)->text(), QString("int(10) unsigned  order_id"));
+    QVERIFY(f.popup("AutoCompletePopup2")->isVisible());
+    QCOMPARE(f.popup("AutoCompletePopup2")->item(0)->text(), QString("<ALL>"));
+    QCOMPARE(f.popup("AutoCompletePopup2")->shownTexts().mid(0, 3),
+             (QStringList{"*", "order_id", "customer_id"}));
+    QCOMPARE(f.popup("AutoCompletePopup2")->item(1)->text(), QString("int(10) unsigned  order_id"));
     QTest::keyClick(f.memo(), Qt::Key_Down);
     QTest::keyClick(f.memo(), Qt::Key_Down, Qt::ShiftModifier);
     QTest::keyClick(f.memo(), Qt::Key_Return);
@@ -200,7 +204,7 @@ class SqlCompletionTest : public QObject {
     f.memo()->setText("select  from orders o");
     f.memo()->setCursorPosition(0, 7);
     QTest::keyClicks(f.memo(), "o.SH");
-    QTRY_COMPARE(f.popup()->shownTexts(), QStringList{"shipping_city"});
+    QTRY_COMPARE(f.popup("AutoCompletePopup2")->shownTexts(), QStringList{"shipping_city"});
     QTest::keyClick(f.memo(), Qt::Key_Return);
     QCOMPARE(f.memo()->text(), QString("select o.shipping_city from orders o"));
   }

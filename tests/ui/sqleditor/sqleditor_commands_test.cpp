@@ -88,7 +88,7 @@ class SqlEditorCommandsTest : public QObject {
       sent.clear();
       editor->frame()->memo()->setText("");
       editor->frame()->action("actComplete")->trigger();
-      lomarin::ui::TCompletionPopup* popup = editor->frame()->completer()->popup();
+      lomarin::ui::TCompletionPopup* popup = editor->frame()->completer()->keywordPopup();
       Completion seen{popup->isHidden() ? QStringList() : popup->shownTexts(), sent};
       popup->hide();
       return seen;
@@ -117,9 +117,9 @@ class SqlEditorCommandsTest : public QObject {
     front->frame()->memo()->setText("select * from c");
     front->frame()->memo()->setCursorPosition(0, 15);
     front->frame()->action("actComplete")->trigger();
-    QVERIFY(front->frame()->completer()->popup()->isVisible());
+    QVERIFY(front->frame()->completer()->keywordPopup()->isVisible());
     lomarin::test::render(window, "sql_completion_in_main_window");
-    front->frame()->completer()->popup()->hide();
+    front->frame()->completer()->keywordPopup()->hide();
     front->frame()->memo()->setText("");
 
     // Another current database: loaded again, for it.
