@@ -279,7 +279,9 @@ void Tformppal::connectToggle() {
   }
   TformConnect dialog(settings_, MySqlSession, this);
   connect(&dialog, &TformConnect::aboutToConnect, explorer_, &TframeExplorer::setDatabaseFilter);
-  dialog.exec();
+  if (dialog.exec() != QDialog::Accepted) return;
+  const TAccount& account = dialog.connectedAccount();
+  editorFileChoices_ = {account.FontCharset, account.FontFormat, account.FontEncoding};
 }
 
 void Tformppal::onAfterConnect() {

@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "engine/app/mru_list.h"
 #include "engine/connect/lost_connection.h"
@@ -45,6 +46,15 @@ class Tformppal : public QMainWindow {
   const MruList& recentFiles() const { return mru_; }
   bool outputWithStatement() const { return outputWithStatement_; }
   int outputHeight() const { return outputHeight_; }
+
+  // The editor charset, line-end format and encoding the connect dialog chose at the last connect;
+  // empty before the first. Editors read and write files with them in place of the options.
+  struct EditorFileChoices {
+    std::string Charset;
+    std::string Format;
+    std::string Encoding;
+  };
+  const EditorFileChoices& editorFileChoices() const { return editorFileChoices_; }
 
   // Shows the actions a server of this version (its handshake text) supports, hides the others.
   void applyServerVersion(const std::string& versionText);
@@ -108,6 +118,7 @@ class Tformppal : public QMainWindow {
   QHash<QString, FileOpener> openers_;
   bool outputWithStatement_ = false;
   int outputHeight_ = 80;
+  EditorFileChoices editorFileChoices_;
 };
 
 }  // namespace lomarin::ui

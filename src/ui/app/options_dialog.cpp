@@ -17,12 +17,20 @@
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
+#include "engine/connect/accounts_choices.h"
 #include "ui/app/exception_dialog.h"
 
 namespace lomarin::ui {
 namespace {
 
 QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+template <size_t N>
+QStringList listOf(const std::array<std::string_view, N>& items) {
+  QStringList list;
+  for (std::string_view item : items) list << qs(item);
+  return list;
+}
 
 // Options whose value starts a new page of the dialog, and the page's title.
 const QHash<QString, QString>& pageStarts() {
@@ -42,9 +50,10 @@ const QHash<QString, QStringList>& choices() {
   static const QHash<QString, QStringList> lists{
       {qs(opt::MenuSkin.name), {"Standard", "Flat", "Office"}},
       {qs(opt::SkinType.name), {"0", "1", "2", "3"}},
-      {qs(opt::EditorEncoding.name), {"ANSI", "UTF-8", "UTF-16"}},
-      {qs(opt::EditorFormat.name), {"Default", "Windows", "Unix", "Mac"}},
-      {qs(opt::EditorCharset.name), {"Default", "ANSI", "Baltic", "Chinese", "Cyrillic", "Greek", "Turkish"}},
+      // The same choices as an account's.
+      {qs(opt::EditorEncoding.name), listOf(kFontEncodings)},
+      {qs(opt::EditorFormat.name), listOf(kFontFormats)},
+      {qs(opt::EditorCharset.name), listOf(kFontCharsets)},
       {qs(qb::SyntaxSqlProvider.name), {"MySQL", "ANSI SQL"}},
       {qs(qb::LinkPaintingStyle.name), {"MS Access style", "Straight lines"}},
       {qs(qb::AddObjectListStyle.name), {"List style", "Tree style"}},

@@ -18,10 +18,14 @@ using Kind = TTextEncoding::Kind;
 
 QString encodingName(const TTextEncoding& encoding) {
   switch (encoding.kind) {
-    case Kind::Utf8: return QStringLiteral("UTF-8");
-    case Kind::Utf16LE: return QStringLiteral("UTF-16LE");
-    case Kind::Utf16BE: return QStringLiteral("UTF-16BE");
-    case Kind::CodePage: return QString::fromStdString(encoding.codePage);
+    case Kind::Utf8:
+      return QStringLiteral("UTF-8");
+    case Kind::Utf16LE:
+      return QStringLiteral("UTF-16LE");
+    case Kind::Utf16BE:
+      return QStringLiteral("UTF-16BE");
+    case Kind::CodePage:
+      return QString::fromStdString(encoding.codePage);
   }
   return {};
 }
@@ -69,9 +73,12 @@ std::optional<QByteArray> encode(std::string_view utf8, const TTextEncoding& enc
 
 QsciScintilla::EolMode eolMode(TLineEnd end) {
   switch (end) {
-    case TLineEnd::CrLf: return QsciScintilla::EolWindows;
-    case TLineEnd::Lf: return QsciScintilla::EolUnix;
-    case TLineEnd::Cr: return QsciScintilla::EolMac;
+    case TLineEnd::CrLf:
+      return QsciScintilla::EolWindows;
+    case TLineEnd::Lf:
+      return QsciScintilla::EolUnix;
+    case TLineEnd::Cr:
+      return QsciScintilla::EolMac;
   }
   return QsciScintilla::EolUnix;
 }
@@ -90,69 +97,116 @@ TEditorFileCodec& TEditorFileCodec::of(QsciScintilla* memo) {
 bool TEditorFileCodec::load(const QString& fileName, const TEditorFileChoices& choices) {
   QFile file(fileName);
   if (!file.open(QIODevice::ReadOnly)) return false;
-  const qint64 size = file.size();
-  QByteArray read;
-  const char* data = size > 0 ? reinterpret_cast<const char*>(file.map(0, size)) : "";
-  if (!data) {
-    read = file.readAll();
-    if (read.size() != size) return false;
-    data = read.constData();
+  // Nobody listening hears of the text in pieces.
+  const QSignalBlocker quiet(memo_);
+  const std::optional<TLineEnd> fixed = FixedLineEnd(choices.Format);
+  const QByteArray head = file.peek(4);
+  const TTextEncoding guess =
+      EncodingOfBom({head.constData(), static_cast<size_t>(head.size())})
+          .value_or(ChosenEncoding(choices.Encoding, choices.Charset, LocaleCodeset()));
+  if (guess.kind == Kind::Utf8) {
+    const Streamed streamed = streamUtf8(file, static_cast<qint64>(BomBytes(guess).size()), fixed);
+    if (streamed == Streamed::ReadError) return false;
+    if (streamed == Streamed::Done) {
+      encoding_ = guess;
+      return true;
+    }
   }
-  const std::string_view bytes(data, static_cast<size_t>(size));
 
+  if (!file.seek(0)) return false;
+  const QByteArray all = file.readAll();
+  if (all.size() != file.size()) return false;
+  const std::string_view bytes(all.constData(), static_cast<size_t>(all.size()));
   TTextEncoding encoding = ReadingEncoding(bytes, choices.Encoding, choices.Charset, LocaleCodeset());
   const std::string_view body = bytes.substr(BomBytes(encoding).size());
-  // UTF-8 goes to the memo as it is; anything else is converted to it first.
   std::string converted;
   std::string_view text = body;
   if (encoding.kind != Kind::Utf8 || !IsValidUtf8(body)) {
     std::optional<QString> decoded = encoding.kind == Kind::Utf8 ? std::nullopt : decode(body, encoding);
     if (!decoded) {
       encoding = ByteForByteEncoding();
-      decoded = QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
+      decoded = QString::fromLatin1(all);
     }
     converted = decoded->toStdString();
     text = converted;
   }
-  const std::optional<TLineEnd> fixed = FixedLineEnd(choices.Format);
   if (fixed && HasOtherLineEnds(text, *fixed)) {
     converted = ConvertLineEnds(text, *fixed);
     text = converted;
   }
-  fillMemo(text);
-  memo_->setEolMode(eolMode(fixed.value_or(FirstLineEnd(text).value_or(TLineEnd::Lf))));
+  beginFill(text.size());
+  insertAtStart(text);
+  endFill(fixed.value_or(FirstLineEnd(text).value_or(TLineEnd::Lf)));
   encoding_ = encoding;
   return true;
 }
 
-void TEditorFileCodec::fillMemo(std::string_view utf8) {
-  // The text goes into the memo in pieces, the last first, each inserted at the start: a piece
-  // added further on would cost time in proportion to all the text before it. Loading is no
-  // undo step.
-  constexpr size_t kPiece = 4 << 20;
-  const QSignalBlocker quiet(memo_);
+// UTF-8 goes from the file into the memo in pieces, the last first, each inserted at the start: a
+// piece added further on would cost time in proportion to all the text before it, and the file
+// is never in memory twice.
+TEditorFileCodec::Streamed TEditorFileCodec::streamUtf8(QFile& file, qint64 from,
+                                                        std::optional<TLineEnd> fixed) {
+  constexpr qint64 kPiece = 4 << 20;
+  const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+  beginFill(static_cast<size_t>(file.size() - from));
+  QByteArray piece;
+  std::string converted;
+  std::string_view first;
+  for (qint64 end = file.size(); end > from;) {
+    const qint64 start = std::max(from, end - kPiece);
+    // One byte more in front shows whether the piece starts inside a character or a CR LF.
+    const qint64 readFrom = start > from ? start - 1 : start;
+    piece.resize(end - readFrom);
+    if (!file.seek(readFrom) || file.read(piece.data(), piece.size()) != piece.size()) {
+      endFill(TLineEnd::Lf);
+      return Streamed::ReadError;
+    }
+    const std::string_view bytes(piece.constData(), static_cast<size_t>(piece.size()));
+    size_t skip = static_cast<size_t>(start - readFrom);
+    // Pieces meet between characters and never inside a CR LF.
+    while (start > from && skip < bytes.size() &&
+           (continues(bytes[skip]) || (bytes[skip] == '\n' && bytes[skip - 1] == '\r')))
+      ++skip;
+    std::string_view text = bytes.substr(skip);
+    if (skip > 4 || !IsValidUtf8(text)) {
+      endFill(TLineEnd::Lf);
+      return Streamed::NotUtf8;
+    }
+    if (fixed && HasOtherLineEnds(text, *fixed)) {
+      converted = ConvertLineEnds(text, *fixed);
+      text = converted;
+    }
+    insertAtStart(text);
+    first = text;
+    end = readFrom + static_cast<qint64>(skip);
+  }
+  endFill(fixed.value_or(FirstLineEnd(first).value_or(TLineEnd::Lf)));
+  return Streamed::Done;
+}
+
+void TEditorFileCodec::beginFill(size_t size) {
+  // Loading is no undo step.
   memo_->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, false);
   memo_->SendScintilla(QsciScintillaBase::SCI_CLEARALL);
-  memo_->SendScintilla(QsciScintillaBase::SCI_ALLOCATE, static_cast<unsigned long>(utf8.size()) + 1);
-  for (size_t end = utf8.size(); end > 0;) {
-    size_t start = end > kPiece ? end - kPiece : 0;
-    // Pieces meet between characters and never inside a CR LF.
-    while (start > 0 && ((static_cast<unsigned char>(utf8[start]) & 0xC0) == 0x80 ||
-                         (utf8[start] == '\n' && utf8[start - 1] == '\r')))
-      --start;
-    memo_->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION, 0UL);
-    memo_->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, static_cast<unsigned long>(end - start),
-                         utf8.data() + start);
-    end = start;
-  }
+  memo_->SendScintilla(QsciScintillaBase::SCI_ALLOCATE, static_cast<unsigned long>(size) + 1);
+}
+
+void TEditorFileCodec::insertAtStart(std::string_view utf8) {
+  memo_->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION, 0UL);
+  memo_->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, static_cast<unsigned long>(utf8.size()), utf8.data());
+}
+
+void TEditorFileCodec::endFill(TLineEnd lineEnd) {
   memo_->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, true);
   memo_->SendScintilla(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
   memo_->SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0);
+  memo_->setEolMode(eolMode(lineEnd));
   memo_->setModified(false);
 }
 
 TEditorFileCodec::Saved TEditorFileCodec::save(const QString& fileName, const TEditorFileChoices& choices) {
-  const auto* data = reinterpret_cast<const char*>(memo_->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+  const auto* data =
+      reinterpret_cast<const char*>(memo_->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
   std::string_view text(data, static_cast<size_t>(memo_->SendScintilla(QsciScintillaBase::SCI_GETLENGTH)));
   std::string converted;
   if (const auto fixed = FixedLineEnd(choices.Format); fixed && HasOtherLineEnds(text, *fixed)) {

@@ -6,6 +6,7 @@
 
 #include "engine/sqleditor/editor_file_format.h"
 
+class QFile;
 class QsciScintilla;
 
 namespace lomarin::ui {
@@ -28,8 +29,13 @@ class TEditorFileCodec : public QObject {
   Saved save(const QString& fileName, const TEditorFileChoices& choices);
 
  private:
+  enum class Streamed { Done, NotUtf8, ReadError };
+
   explicit TEditorFileCodec(QsciScintilla* memo);
-  void fillMemo(std::string_view utf8);
+  Streamed streamUtf8(QFile& file, qint64 from, std::optional<TLineEnd> fixed);
+  void beginFill(size_t size);
+  void insertAtStart(std::string_view utf8);
+  void endFill(TLineEnd lineEnd);
   bool askForUtf8(const TTextEncoding& encoding) const;
 
   QsciScintilla* memo_;

@@ -11,8 +11,6 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMessageBox>
-#include <QSaveFile>
-#include <QSignalBlocker>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -26,6 +24,7 @@
 #include "engine/sqleditor/sql_formatter.h"
 #include "engine/sqleditor/sqleditor_options.h"
 #include "ui/dataview/frame_data.h"
+#include "ui/sqleditor/editor_file_codec.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/memo_commands.h"
 
@@ -202,44 +201,25 @@ void TformSQLEditor::changeEvent(QEvent* event) {
 }
 
 bool TformSQLEditor::loadFile(const QString& fileName) {
-  QFile file(fileName);
-  if (!file.open(QIODevice::ReadOnly)) return false;
-  // The file goes into the memo in pieces, the last first, each inserted at the start: a piece
-  // added further on would cost time in proportion to all the text before it. Loading is no
-  // undo step.
-  constexpr qint64 kPiece = 4 << 20;
-  QsciScintilla* memo = frame_->memo();
-  const QSignalBlocker quiet(memo);
-  memo->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, false);
-  memo->SendScintilla(QsciScintillaBase::SCI_CLEARALL);
-  memo->SendScintilla(QsciScintillaBase::SCI_ALLOCATE, static_cast<unsigned long>(file.size()) + 1);
-  QByteArray piece(static_cast<qsizetype>(std::min(kPiece, file.size())), '\0');
-  for (qint64 end = file.size(); end > 0;) {
-    const qint64 start = std::max<qint64>(0, end - kPiece);
-    if (!file.seek(start) || file.read(piece.data(), end - start) != end - start) return false;
-    memo->SendScintilla(QsciScintillaBase::SCI_SETEMPTYSELECTION, 0UL);
-    memo->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, static_cast<unsigned long>(end - start),
-                        piece.constData());
-    end = start;
-  }
-  memo->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, true);
-  memo->SendScintilla(QsciScintillaBase::SCI_EMPTYUNDOBUFFER);
-  memo->SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 0);
-  memo->setModified(false);
+  const TEditorFileChoices choices = EffectiveFileChoices(ctx_.FileChoices(), ctx_.Settings);
+  if (!TEditorFileCodec::of(frame_->memo()).load(fileName, choices)) return false;
   fileName_ = QFileInfo(fileName).absoluteFilePath();
   setWindowTitle("SQL editor - " + QFileInfo(fileName).fileName());
   return true;
 }
 
 bool TformSQLEditor::saveToFile(const QString& fileName) {
-  QSaveFile file(fileName);
-  const QByteArray bytes = frame_->memo()->text().toUtf8();
-  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-    showError(QString("Cannot write %1").arg(fileName));
-    return false;
+  const TEditorFileChoices choices = EffectiveFileChoices(ctx_.FileChoices(), ctx_.Settings);
+  switch (TEditorFileCodec::of(frame_->memo()).save(fileName, choices)) {
+    case TEditorFileCodec::Saved::Yes:
+      return true;
+    case TEditorFileCodec::Saved::Cancelled:
+      return false;
+    case TEditorFileCodec::Saved::Failed:
+      break;
   }
-  frame_->memo()->setModified(false);
-  return true;
+  showError(QString("Cannot write %1").arg(fileName));
+  return false;
 }
 
 bool TformSQLEditor::saveWithDialog() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/connect/my_connection.h"
+#include "engine/sqleditor/editor_file_format.h"
 #include "ui/sqleditor/error_reporter.h"
 #include "ui/sqleditor/sql_completer.h"
 
@@ -47,6 +48,9 @@ struct TSqlEditorContext {
   std::function<bool()> IsSSHTunnel;
   // The folder holding the shipped "Utils/" and "formatter/" files.
   QString ShippedFolder;
+  // The editor charset, line-end format and encoding the connection chose; files are read and
+  // written with them, and with the "Editor …" options for what they leave empty.
+  std::function<TEditorFileChoices()> FileChoices = [] { return TEditorFileChoices{}; };
 };
 
 // The shipped files' folder: beside the program, else share/lomarin above it.

@@ -3,6 +3,7 @@
 #include <Qsci/qsciscintilla.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStringEncoder>
@@ -11,6 +12,7 @@
 #include <memory>
 
 #include "connect/modal_helper.h"
+#include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
 #include "engine/connect/my_connection.h"
 #include "ui/sqleditor/form_sql_editor.h"
@@ -34,8 +36,11 @@ QByteArray encoded(const char* encoding, const QString& text) {
 
 // A real editor document with no connection, and a scratch folder for its files.
 struct Fixture {
-  Fixture() : settings(QDir(dir.path()).filePath("settings.db").toStdString()) {
-    editor = std::make_unique<TformSQLEditor>(TSqlEditorContext(session, settings));
+  explicit Fixture(std::function<TEditorFileChoices()> connectionChoices = {})
+      : settings(QDir(dir.path()).filePath("settings.db").toStdString()) {
+    TSqlEditorContext context(session, settings);
+    if (connectionChoices) context.FileChoices = connectionChoices;
+    editor = std::make_unique<TformSQLEditor>(context);
     editor->setAttribute(Qt::WA_DeleteOnClose, false);
     editor->show();
   }
@@ -162,6 +167,28 @@ class EditorFileCodecTest : public QObject {
     }
   }
 
+  void largeFilesStreamInPiecesThatKeepCharactersWhole() {
+    // 11 bytes a line and pieces of 4 MB from the end: the pieces meet inside a character twice
+    // and between CR and LF once.
+    const QByteArray line = QString::fromUtf8("é€😀\r\n").toUtf8();
+    QByteArray big;
+    while (big.size() < (13 << 20)) big += line;
+    Fixture f;
+    QVERIFY(f.codec().load(f.write("big.sql", big), kAnsi));
+    QVERIFY(f.memoBytes() == big);
+    QCOMPARE(f.memo()->eolMode(), QsciScintilla::EolWindows);
+    QCOMPARE(f.memo()->lines(), int(big.size() / line.size()) + 1);
+    QVERIFY(f.codec().load(f.write("big.sql", big), {"default", "Unix (CR)", "ANSI"}));
+    QVERIFY(f.memoBytes() == QByteArray(big).replace("\r\n", "\n"));
+
+    // One byte that is no UTF-8, in the piece read last: the file is read byte for byte.
+    big[1] = 'x';
+    QVERIFY(f.codec().load(f.write("big.sql", big), kAnsi));
+    QVERIFY(f.memoBytes() == QString::fromLatin1(big).toUtf8());
+    QCOMPARE(f.codec().save(f.path("big.sql"), kAnsi), Saved::Yes);
+    QVERIFY(f.read("big.sql") == big);
+  }
+
   void textTheEncodingCannotHoldAsksFirst() {
     Fixture f;
     const QByteArray bytes = encoded("windows-1251", QString::fromUtf8("select 'Привет';\n"));
@@ -188,6 +215,31 @@ class EditorFileCodecTest : public QObject {
     f.memo()->append(QString::fromUtf8("-- 🙂\n"));
     QCOMPARE(f.codec().save(f.path("cyrillic.sql"), kRussian), Saved::Yes);
     QCOMPARE(f.read("cyrillic.sql"), f.memo()->text().toUtf8());
+  }
+
+  void editorsTakeTheConnectionsChoicesElseTheOptions() {
+    const QString text = QString::fromUtf8("select 'Ωμέγα' from dual;\r\n");
+    {
+      Fixture f;
+      f.settings.write(opt::EditorCharset, "Greek");
+      QVERIFY(f.editor->loadFile(f.write("greek.sql", encoded("windows-1253", text))));
+      QCOMPARE(f.memo()->text(), text);
+    }
+    // The connection chose the charset only: the format is still the option's.
+    Fixture f([] { return TEditorFileChoices{"Russian", "", ""}; });
+    f.settings.write(opt::EditorCharset, "Greek");
+    f.settings.write(opt::EditorFormat, "Unix (CR)");
+    const QString cyrillic = QString::fromUtf8("select 'Привет';\r\nselect 2;\r\n");
+    QVERIFY(f.editor->loadFile(f.write("cyrillic.sql", encoded("windows-1251", cyrillic))));
+    QCOMPARE(f.memo()->text(), QString::fromUtf8("select 'Привет';\nselect 2;\n"));
+    QCOMPARE(f.editor->fileName(), QFileInfo(f.path("cyrillic.sql")).absoluteFilePath());
+
+    f.memo()->append(QString::fromUtf8("-- 😀\n"));
+    test::whenModal("EncodingQuestion", [](QWidget* box) {
+      qobject_cast<QMessageBox*>(box)->button(QMessageBox::Cancel)->click();
+    });
+    QVERIFY(!f.editor->saveToFile(f.path("cyrillic.sql")));
+    QCOMPARE(f.read("cyrillic.sql"), encoded("windows-1251", cyrillic));
   }
 
   void unreadableOrUnwritableFilesFail() {
