@@ -145,7 +145,8 @@ void TformSQLEditor::buildLayout() {
   fraData_->setObjectName("fraData");
   fraData_->setStatusBarVisible(false);
   fraData_->ErrorDisplay = [this](const QString& message) { showError(message); };
-  connect(fraData_, &TframeData::recordTextChanged, this, [this](const QString& text) { panels_[1]->setText(text); });
+  connect(fraData_, &TframeData::recordTextChanged, this,
+          [this](const QString& text) { panels_[1]->setText(text); });
   pgcResults_->addTab(fraData_, "Result 1");
   splSQL_->addWidget(frame_);
   splSQL_->addWidget(pgcResults_);
