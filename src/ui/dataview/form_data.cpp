@@ -1,9 +1,10 @@
 #include "ui/dataview/form_data.h"
 
+#include <Qsci/qsciscintilla.h>
+
 #include <QHeaderView>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -13,6 +14,7 @@
 #include "engine/dataview/browse_sql.h"
 #include "engine/dataview/table_window_sql.h"
 #include "ui/dataview/frame_data.h"
+#include "ui/sqleditor/frame_ec_sql.h"
 
 namespace lomarin::ui {
 
@@ -63,11 +65,8 @@ TformData::TformData(TMyConnection& session, SettingsStore& settings, const std:
     if (session.ServerMajorVersion() >= 5) tabs_->addTab(triggers_, tr("&Triggers"));
     tabs_->addTab(partitions_, tr("Partitions"));
   }
-  script_ = new QPlainTextEdit(tabs_);
-  script_->setObjectName("memScript");
-  script_->setReadOnly(true);
-  script_->setLineWrapMode(QPlainTextEdit::NoWrap);
-  script_->setFont(QFont("Monospace"));
+  script_ = TframeecSQL::createReadOnly(settings, tabs_);
+  script_->setObjectName("frameScript");
   tabs_->addTab(script_, tr("&Script"));
 
   auto* layout = new QVBoxLayout(this);
@@ -116,9 +115,9 @@ void TformData::loadTab(int index) {
       TMyQuery query(session_);
       query.SQL = dataview::ScriptTabSQL(name, isView_);
       query.Open();
-      if (query.Next()) script_->setPlainText(qs(query.Value(1)));
+      if (query.Next()) script_->memo()->setText(qs(query.Value(1)));
     } catch (const ServerError& error) {
-      script_->setPlainText(qs(error.message()));
+      script_->memo()->setText(qs(error.message()));
     }
   }
 }

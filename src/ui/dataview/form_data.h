@@ -9,7 +9,6 @@
 #include "engine/dataview/foreign_keys.h"
 
 class QMdiArea;
-class QPlainTextEdit;
 class QTabWidget;
 class QTableWidget;
 
@@ -20,6 +19,7 @@ class SettingsStore;
 namespace lomarin::ui {
 
 class TframeData;
+class TframeecSQL;
 
 // The document of one table or view: its data with paging, and tabs for its columns, foreign
 // keys, triggers, partitions and CREATE script, each read from the server when first shown.
@@ -61,7 +61,7 @@ class TformData : public QWidget {
   QTableWidget* foreignKeysTable_;
   QTableWidget* triggers_;
   QTableWidget* partitions_;
-  QPlainTextEdit* script_;
+  TframeecSQL* script_;
   std::set<QWidget*> loaded_;
   dataview::TMyFKS foreignKeys_;
 };

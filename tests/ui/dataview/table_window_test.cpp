@@ -1,15 +1,18 @@
+#include <Qsci/qsciscintilla.h>
+
 #include <QDir>
 #include <QFrame>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
+#include <QTreeWidget>
 
 #include "dataview_fixture.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/form_data.h"
 #include "ui/dataview/frame_data.h"
+#include "ui/sqleditor/frame_ec_sql.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -65,9 +68,13 @@ class TableWindowTest : public QObject {
     QVERIFY(sent(f.takeStatements(), "SELECT PARTITION_NAME"));
     tabs->setCurrentIndex(5);
     QCOMPARE(f.takeStatements(), (std::vector<std::string>{"SHOW CREATE TABLE `product_media`"}));
-    auto* script = window->findChild<QPlainTextEdit*>("memScript");
+    auto* script = window->findChild<TframeecSQL*>("frameScript");
     QVERIFY(script->isReadOnly());
-    QVERIFY(script->toPlainText().startsWith("CREATE TABLE `product_media`"));
+    QVERIFY(script->memo()->text().startsWith("CREATE TABLE `product_media` (\n  `media_id`"));
+    QVERIFY(script->memo()->isVisible());
+    QVERIFY(!script->tree()->isVisible());
+    window->parentWidget()->showMaximized();
+    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_script_tab.png")));
 
     // Another database's table is named with its database.
     TformData* other = openTableWindow(&f.area, *f.session, *f.settings, "mysql", "db", false);
@@ -89,6 +96,10 @@ class TableWindowTest : public QObject {
     QVERIFY(window->frameData()->model()->rowCount() > 0);
     window->tabs()->setCurrentIndex(2);
     QVERIFY(f.lastStatement() == "SHOW CREATE VIEW `v_customer_revenue`");
+    QVERIFY(window->findChild<TframeecSQL*>("frameScript")
+                ->memo()
+                ->text()
+                .contains("VIEW `v_customer_revenue` AS select"));
   }
 
   void refreshDataReloadsOnlyItsOwnTable() {

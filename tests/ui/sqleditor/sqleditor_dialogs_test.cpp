@@ -13,6 +13,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "engine/app/settings_store.h"
 #include "engine/connect/sql_monitor.h"
 #include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/script_services.h"
@@ -23,6 +24,7 @@
 #include "ui/sqleditor/form_parameters_monitor.h"
 #include "ui/sqleditor/form_params_manager.h"
 #include "ui/sqleditor/form_sql_history.h"
+#include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/script_progress.h"
 #include "ui_test_registry.h"
 
@@ -65,39 +67,53 @@ class SqlEditorDialogsTest : public QObject {
   }
   void cleanup() { std::filesystem::remove_all(folder_); }
 
-  void execScriptStaysOpenOnErrorAndClosesOnSuccess() {
+  void execScriptShowsTheTextReadOnlyAndRunsIt() {
+    std::filesystem::create_directories(folder_);
+    SettingsStore settings((folder_ / "settings.db").string());
     auto session = test::connect();
     TMySQLMonitor monitor;
     QStringList sent;
     monitor.addListener([&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
     session->setMonitor(&monitor);
     QStringList shown;
-    TformExecScript bad(*session, "create table ui_exec (a int) engine = nosuch_engine_x", [&](const QString& m) { shown << m; });
+    const QString faulty = "create table ui_exec (a int) engine = nosuch_engine_x";
+    TformExecScript bad(*session, settings, faulty, [&](const QString& m) { shown << m; });
     QCOMPARE(bad.windowTitle(), QString("Exec SQL"));
-    QCOMPARE(child<QsciScintilla>(&bad, "frameSQL")->text(), QString("create table ui_exec (a int) engine = nosuch_engine_x"));
-    QVERIFY(child<QsciScintilla>(&bad, "frameSQL")->isReadOnly());
+    TframeecSQL* frame = child<TframeecSQL>(&bad, "frameSQL");
+    QVERIFY(frame->isReadOnly());
+    QCOMPARE(frame->memo()->text(), faulty);
     bad.show();
     snapshot(&bad, "exec_script");
+    QTest::keyClicks(frame->memo(), "xy");
+    QCOMPARE(frame->memo()->text(), faulty);
     child<QPushButton>(&bad, "btnExecute")->click();
+    QCOMPARE(sent, QStringList{faulty});
     QCOMPARE(shown.size(), 1);
+    QVERIFY(shown[0].contains("nosuch_engine_x"));
     QVERIFY(bad.isVisible());
     QVERIFY(!bad.Success());
+    QCOMPARE(frame->memo()->text(), faulty);
 
     test::sideExec("DROP TABLE IF EXISTS lomarin_test.ui_exec");
-    TformExecScript good(*session, "create table ui_exec (a int)", {});
+    TformExecScript good(*session, settings, "create table ui_exec (a int)", {});
     good.show();
-    child<QPushButton>(&good, "btnExecute")->click();
+    QVERIFY(QTest::qWaitForWindowActive(&good));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);  // Enter runs, not the memo
     QVERIFY(good.Success());
     QVERIFY(!good.isVisible());
     QCOMPARE(good.result(), int(QDialog::Accepted));
     QCOMPARE(sent.last(), QString("create table ui_exec (a int)"));
+    QCOMPARE(test::scalar(*session, "SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA = "
+                                    "'lomarin_test' AND TABLE_NAME = 'ui_exec'"),
+             std::string("1"));
 
-    TformExecScript closed(*session, "drop table ui_exec", {});
+    TformExecScript closed(*session, settings, "drop table ui_exec", {});
     closed.show();
-    const int before = sent.size();
+    const qsizetype before = sent.size();
     child<QPushButton>(&closed, "btnClose")->click();
     QCOMPARE(closed.result(), int(QDialog::Rejected));
     QCOMPARE(sent.size(), before);
+    test::sideExec("DROP TABLE IF EXISTS lomarin_test.ui_exec");
   }
 
   void historyShowsNewestAndReturnsTheCopyChoice() {
