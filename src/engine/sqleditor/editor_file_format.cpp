@@ -91,7 +91,8 @@ TTextEncoding AnsiEncoding(std::string_view charset, std::string_view localeCode
   return codePage(std::string(localeCodeset));
 }
 
-TTextEncoding ChosenEncoding(std::string_view encoding, std::string_view charset, std::string_view localeCodeset) {
+TTextEncoding ChosenEncoding(std::string_view encoding, std::string_view charset,
+                             std::string_view localeCodeset) {
   using Kind = TTextEncoding::Kind;
   // "UTF-16" is what older options dialogs stored for "Unicode".
   if (sameText(encoding, "Unicode") || sameText(encoding, "UTF-16")) return {Kind::Utf16LE, {}, true};
@@ -122,10 +123,14 @@ TTextEncoding ReadingEncoding(std::string_view bytes, std::string_view encoding,
 std::string_view BomBytes(const TTextEncoding& encoding) {
   if (!encoding.bom) return {};
   switch (encoding.kind) {
-    case TTextEncoding::Kind::Utf8: return kUtf8Bom;
-    case TTextEncoding::Kind::Utf16LE: return kUtf16LEBom;
-    case TTextEncoding::Kind::Utf16BE: return kUtf16BEBom;
-    case TTextEncoding::Kind::CodePage: return {};
+    case TTextEncoding::Kind::Utf8:
+      return kUtf8Bom;
+    case TTextEncoding::Kind::Utf16LE:
+      return kUtf16LEBom;
+    case TTextEncoding::Kind::Utf16BE:
+      return kUtf16BEBom;
+    case TTextEncoding::Kind::CodePage:
+      return {};
   }
   return {};
 }

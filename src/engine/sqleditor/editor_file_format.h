@@ -46,7 +46,8 @@ TTextEncoding AnsiEncoding(std::string_view charset, std::string_view localeCode
 // The encoding of a new file: "Unicode" UTF-16LE and "Swapped Unicode" UTF-16BE, both with a
 // BOM; "UTF-8" without one, since SQL files go to clients and servers that read a BOM as text;
 // "ANSI" and unknown names the charset's code page.
-TTextEncoding ChosenEncoding(std::string_view encoding, std::string_view charset, std::string_view localeCodeset);
+TTextEncoding ChosenEncoding(std::string_view encoding, std::string_view charset,
+                             std::string_view localeCodeset);
 
 // The encoding a byte-order mark at the start of bytes names, with bom set.
 std::optional<TTextEncoding> EncodingOfBom(std::string_view bytes);

@@ -17,12 +17,23 @@ std::string pageOf(std::string_view charset) { return AnsiEncoding(charset, "UTF
 
 TEST(EditorFileFormat, EveryAccountCharsetHasItsCodePage) {
   const std::vector<std::pair<std::string_view, std::string>> expected{
-      {"Western", "windows-1252"},  {"Russian", "windows-1251"},  {"Hebrew", "windows-1255"},
-      {"Arabic", "windows-1256"},   {"Greek", "windows-1253"},    {"Turkish", "windows-1254"},
-      {"Baltic", "windows-1257"},   {"Central Europe", "windows-1250"}, {"Vietnamese", "windows-1258"},
-      {"JOHAB", "JOHAB"},           {"THAI", "windows-874"},      {"GB2312", "GBK"},
-      {"CHINESEBIG5", "Big5"},      {"SHIFTJI  (Japanese shift-JIS characters)", "Shift_JIS"},
-      {"HANGEUL", "windows-949"},   {"MAC", "macintosh"},         {"OEM", "IBM437"},
+      {"Western", "windows-1252"},
+      {"Russian", "windows-1251"},
+      {"Hebrew", "windows-1255"},
+      {"Arabic", "windows-1256"},
+      {"Greek", "windows-1253"},
+      {"Turkish", "windows-1254"},
+      {"Baltic", "windows-1257"},
+      {"Central Europe", "windows-1250"},
+      {"Vietnamese", "windows-1258"},
+      {"JOHAB", "JOHAB"},
+      {"THAI", "windows-874"},
+      {"GB2312", "GBK"},
+      {"CHINESEBIG5", "Big5"},
+      {"SHIFTJI  (Japanese shift-JIS characters)", "Shift_JIS"},
+      {"HANGEUL", "windows-949"},
+      {"MAC", "macintosh"},
+      {"OEM", "IBM437"},
       {"Symbol", "windows-1252"}};
   ASSERT_EQ(expected.size() + 1, kFontCharsets.size());
   for (const auto& [charset, page] : expected) {
@@ -60,7 +71,8 @@ TEST(EditorFileFormat, EncodingNames) {
 }
 
 TEST(EditorFileFormat, ByteOrderMarkWinsOverTheChoice) {
-  EXPECT_EQ(ReadingEncoding("\xEF\xBB\xBFselect", "ANSI", "Russian", "UTF-8"), (TTextEncoding{Kind::Utf8, {}, true}));
+  EXPECT_EQ(ReadingEncoding("\xEF\xBB\xBFselect", "ANSI", "Russian", "UTF-8"),
+            (TTextEncoding{Kind::Utf8, {}, true}));
   EXPECT_EQ(ReadingEncoding(std::string_view("\xFF\xFEs\0", 4), "UTF-8", "default", "UTF-8"),
             (TTextEncoding{Kind::Utf16LE, {}, true}));
   EXPECT_EQ(ReadingEncoding(std::string_view("\xFE\xFF\0s", 4), "ANSI", "default", "UTF-8"),

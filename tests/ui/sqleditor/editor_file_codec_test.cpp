@@ -49,7 +49,8 @@ struct Fixture {
   TEditorFileCodec& codec() const { return TEditorFileCodec::of(memo()); }
   // The memo's text as it holds it (UTF-8), zero bytes included.
   QByteArray memoBytes() const {
-    const auto* data = reinterpret_cast<const char*>(memo()->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    const auto* data =
+        reinterpret_cast<const char*>(memo()->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
     return QByteArray(data, static_cast<qsizetype>(memo()->SendScintilla(QsciScintillaBase::SCI_GETLENGTH)));
   }
   QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
@@ -144,7 +145,9 @@ class EditorFileCodecTest : public QObject {
       f.memo()->SendScintilla(QsciScintillaBase::SCI_DOCUMENTEND);
       QTest::keyClick(f.memo(), Qt::Key_Return);
       QCOMPARE(f.codec().save(f.path("lines.sql"), choices), Saved::Yes);
-      const QByteArray typed = c.mode == QsciScintilla::EolWindows ? "\r\n" : c.mode == QsciScintilla::EolUnix ? "\n" : "\r";
+      const QByteArray typed = c.mode == QsciScintilla::EolWindows ? "\r\n"
+                               : c.mode == QsciScintilla::EolUnix  ? "\n"
+                                                                   : "\r";
       QCOMPARE(f.read("lines.sql"), c.memoText + typed);
     }
     // A fixed format also puts pasted or set text right when it is written.
