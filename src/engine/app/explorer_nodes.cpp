@@ -115,7 +115,7 @@ std::vector<DatabaseEntry> databaseEntries(const std::vector<std::string>& liste
 std::vector<std::string> tableSubFolders() { return {"Index", "Columns"}; }
 
 std::optional<std::string> folderStatement(const FolderPath& path, int serverMajorVersion,
-                                           std::string_view treeFilter) {
+                                           std::string_view treeFilter, const ValueEscaper& escape) {
   const std::string& f = path.folder;
   const std::string db = backQuoted(path.database);
   if (f == "Tables")
@@ -123,15 +123,15 @@ std::optional<std::string> folderStatement(const FolderPath& path, int serverMaj
            db + likeClause(treeFilter);
   if (f == "Views") return "show full tables " + std::string(" from ") + db + likeClause(treeFilter);
   if (f == "Procedures")
-    return "SHOW PROCEDURE STATUS where lower(db) = '" + lowerAscii(path.database) + "'";
+    return "SHOW PROCEDURE STATUS where lower(db) = '" + escape(lowerAscii(path.database)) + "'";
   if (f == "Functions")
-    return "SHOW FUNCTION STATUS where lower(db) = '" + lowerAscii(path.database) + "'";
+    return "SHOW FUNCTION STATUS where lower(db) = '" + escape(lowerAscii(path.database)) + "'";
   if (f == "Triggers") return "SHOW TRIGGERS FROM " + db;
   if (f == "Events") return "show events from " + db;
   if (f == "UDFs") return std::string("SELECT * FROM mysql.func ");
   if (f == kUsersFolder) return std::string(" SELECT distinct user FROM mysql.user WHERE LENGTH(user)> 0");
   if (f == "Index") return "show index from " + backQuoted(path.table) + " from " + db;
-  if (f == "Columns") return "DESC `" + path.database + "`." + backQuoted(path.table);
+  if (f == "Columns") return "DESC " + db + "." + backQuoted(path.table);
   return std::nullopt;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -73,10 +74,13 @@ struct FolderPath {
   std::string table;
 };
 
+// Makes a value safe between single quotes: the session's client library does it.
+using ValueEscaper = std::function<std::string(std::string_view)>;
+
 // The statement that fills a folder when it is expanded; empty for nodes that are not folders.
 // treeFilter is the tree filter box's text: it limits tables and views with LIKE, taken as typed.
 std::optional<std::string> folderStatement(const FolderPath& path, int serverMajorVersion,
-                                           std::string_view treeFilter);
+                                           std::string_view treeFilter, const ValueEscaper& escape);
 
 // A result set as the explorer reads it.
 struct ResultTable {

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "engine/app/explorer_nodes.h"
+#include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 
 namespace lomarin {
@@ -26,13 +27,14 @@ struct FolderStatement {
   std::string Sql;
 };
 
-std::vector<FolderStatement> folderStatements(std::string_view database, int major, int versionNumber) {
+std::vector<FolderStatement> folderStatements(std::string_view database, int major, int versionNumber,
+                                              const explorer::ValueEscaper& escape) {
   std::vector<FolderStatement> out;
   for (const std::string& folder : explorer::databaseFolders(major, versionNumber)) {
     const auto* kind = std::find_if(std::begin(kFolders), std::end(kFolders),
                                     [&](const FolderKind& k) { return k.Folder == folder; });
     if (kind == std::end(kFolders)) continue;
-    const auto sql = explorer::folderStatement({folder, std::string(database), {}}, major, {});
+    const auto sql = explorer::folderStatement({folder, std::string(database), {}}, major, {}, escape);
     if (sql) out.push_back({*kind, *sql});
   }
   return out;
@@ -54,9 +56,9 @@ explorer::ResultTable readAll(TMyConnection& session, const std::string& sql) {
 }  // namespace
 
 std::vector<std::string> DbObjectStatements(std::string_view database, int serverMajorVersion,
-                                            int serverVersionNumber) {
+                                            int serverVersionNumber, const explorer::ValueEscaper& escape) {
   std::vector<std::string> out;
-  for (const FolderStatement& each : folderStatements(database, serverMajorVersion, serverVersionNumber))
+  for (const FolderStatement& each : folderStatements(database, serverMajorVersion, serverVersionNumber, escape))
     if (std::find(out.begin(), out.end(), each.Sql) == out.end()) out.push_back(each.Sql);
   return out;
 }
@@ -68,7 +70,8 @@ std::vector<TDbObjectName> LoadDbObjectNames(TMyConnection& session) {
   if (database.empty()) return out;
   std::map<std::string, explorer::ResultTable> results;
   for (const FolderStatement& each :
-       folderStatements(database, session.ServerMajorVersion(), session.ServerVersionNumber())) {
+       folderStatements(database, session.ServerMajorVersion(), session.ServerVersionNumber(),
+                        [&session](std::string_view value) { return EscapeString(session, value); })) {
     auto found = results.find(each.Sql);
     if (found == results.end()) found = results.emplace(each.Sql, readAll(session, each.Sql)).first;
     for (explorer::ChildNode& child : explorer::folderChildren(each.Folder.Folder, found->second))

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/app/explorer_nodes.h"
 #include "engine/connect/my_connection.h"
 
 namespace lomarin {
@@ -22,7 +23,7 @@ struct TDbObjectName {
 // What is sent to list the objects of database, in order: the object tree's folder statements for
 // the kinds this server version has; tables and views share one statement.
 std::vector<std::string> DbObjectStatements(std::string_view database, int serverMajorVersion,
-                                            int serverVersionNumber);
+                                            int serverVersionNumber, const explorer::ValueEscaper& escape);
 
 // The objects of the session's current database, tables first, then views, procedures, functions,
 // triggers and events. Nothing is sent without a connection or a current database. Throws

@@ -41,20 +41,22 @@ TEST(ExplorerNodes, RootAndDatabaseLevel) {
 
 TEST(ExplorerNodes, FolderStatements) {
   const auto sql = [](const std::string& folder, int major = 5, const std::string& filter = "") {
-    return folderStatement({folder, "Shop`DB", "order items"}, major, filter).value_or("<none>");
+    // Stands in for the client library: the test sees where values are escaped.
+    const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
+    return folderStatement({folder, "Shop`DB", "order items"}, major, filter, escape).value_or("<none>");
   };
   EXPECT_EQ(sql("Tables", 4), "show tables  from `Shop``DB`");
   EXPECT_EQ(sql("Tables"), "show full tables  from `Shop``DB`");
   EXPECT_EQ(sql("Tables", 5, "ord%"), "show full tables  from `Shop``DB` like 'ord%'");
   EXPECT_EQ(sql("Views", 5, "v_%"), "show full tables  from `Shop``DB` like 'v_%'");
-  EXPECT_EQ(sql("Procedures"), "SHOW PROCEDURE STATUS where lower(db) = 'shop`db'");
-  EXPECT_EQ(sql("Functions"), "SHOW FUNCTION STATUS where lower(db) = 'shop`db'");
+  EXPECT_EQ(sql("Procedures"), "SHOW PROCEDURE STATUS where lower(db) = '<shop`db>'");
+  EXPECT_EQ(sql("Functions"), "SHOW FUNCTION STATUS where lower(db) = '<shop`db>'");
   EXPECT_EQ(sql("Triggers"), "SHOW TRIGGERS FROM `Shop``DB`");
   EXPECT_EQ(sql("Events"), "show events from `Shop``DB`");
   EXPECT_EQ(sql("UDFs"), "SELECT * FROM mysql.func ");
   EXPECT_EQ(sql("Users"), " SELECT distinct user FROM mysql.user WHERE LENGTH(user)> 0");
   EXPECT_EQ(sql("Index"), "show index from `order items` from `Shop``DB`");
-  EXPECT_EQ(sql("Columns"), "DESC `Shop`DB`.`order items`");
+  EXPECT_EQ(sql("Columns"), "DESC `Shop``DB`.`order items`");
   EXPECT_EQ(sql("orders"), "<none>");
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/connect/sql_monitor.h"
 #include "test_server.h"
@@ -11,18 +12,21 @@ namespace {
 
 using K = TDbObjectKind;
 
+// Stands in for the client library, so the test sees where a value is escaped.
+std::string marked(std::string_view value) { return "<" + std::string(value) + ">"; }
+
 TEST(DbObjectNames, StatementsFollowTheServerVersion) {
-  EXPECT_EQ(DbObjectStatements("shop", 10, 110), (std::vector<std::string>{
+  EXPECT_EQ(DbObjectStatements("shop", 10, 110, marked), (std::vector<std::string>{
                                                      R"(show full tables  from `shop`)",
-                                                     R"(SHOW PROCEDURE STATUS where lower(db) = 'shop')",
-                                                     R"(SHOW FUNCTION STATUS where lower(db) = 'shop')",
+                                                     R"(SHOW PROCEDURE STATUS where lower(db) = '<shop>')",
+                                                     R"(SHOW FUNCTION STATUS where lower(db) = '<shop>')",
                                                      R"(SHOW TRIGGERS FROM `shop`)",
                                                      R"(show events from `shop`)",
                                                  }));
   // 5.0 has no events; 4.x only tables. Routines compare the name in lower case, back-quotes double.
-  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50).size(), 4u);
-  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50)[1], "SHOW PROCEDURE STATUS where lower(db) = 'sh`op'");
-  EXPECT_EQ(DbObjectStatements("Sh`op", 4, 41), std::vector<std::string>{"show tables  from `Sh``op`"});
+  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50, marked).size(), 4u);
+  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50, marked)[1], "SHOW PROCEDURE STATUS where lower(db) = '<sh`op>'");
+  EXPECT_EQ(DbObjectStatements("Sh`op", 4, 41, marked), std::vector<std::string>{"show tables  from `Sh``op`"});
 }
 
 // A session on a database, with what it sent.
@@ -56,7 +60,8 @@ TEST(DbObjectNames, DemoDatabaseListsEveryKindInOrder) {
                                                {"ev_purge_price_history", K::Event}}));
   // One statement for tables and views together.
   EXPECT_EQ(w.sent, DbObjectStatements("lomarin_demo", w.session->ServerMajorVersion(),
-                                       w.session->ServerVersionNumber()));
+                                       w.session->ServerVersionNumber(),
+                                       [&](std::string_view value) { return EscapeString(*w.session, value); }));
   EXPECT_EQ(w.sent.size(), 5u);
 }
 
@@ -92,6 +97,15 @@ TEST(DbObjectNames, ListsLoadOncePerDatabaseAndAfterRelease) {
   EXPECT_TRUE(lists.objects(*w.session).empty());
   EXPECT_TRUE(w.sent.empty());
   test::sideExec("DROP DATABASE lomarin_names");
+}
+
+TEST(DbObjectNames, RoutinesOfADatabaseWhoseNameHoldsAQuote) {
+  test::sideExec("DROP DATABASE IF EXISTS `lomarin_it's`");
+  test::sideExec("CREATE DATABASE `lomarin_it's`");
+  test::sideExec("CREATE FUNCTION `lomarin_it's`.quoted_fn() RETURNS INT DETERMINISTIC RETURN 1");
+  Watched w("lomarin_it's");
+  EXPECT_EQ(LoadDbObjectNames(*w.session), (std::vector<TDbObjectName>{{"quoted_fn", K::Function}}));
+  test::sideExec("DROP DATABASE `lomarin_it's`");
 }
 
 TEST(DbObjectNames, FailedLoadIsTriedAgain) {

@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include "../app/shell_test_support.h"
+#include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/db_object_names.h"
 #include "test_server.h"
@@ -97,7 +98,9 @@ class SqlEditorCommandsTest : public QObject {
       QStringList statements;
       for (const std::string& sql :
            lomarin::DbObjectStatements("lomarin_demo", window.MySqlSession.ServerMajorVersion(),
-                                       window.MySqlSession.ServerVersionNumber()))
+                                       window.MySqlSession.ServerVersionNumber(), [&](std::string_view value) {
+                                         return lomarin::EscapeString(window.MySqlSession, value);
+                                       }))
         statements << QString::fromStdString(sql);
       return statements;
     }();

@@ -7,6 +7,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "engine/connect/escape.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/my_query.h"
 
@@ -153,7 +154,8 @@ std::optional<ex::ResultTable> TframeExplorer::run(const std::string& sql) {
 
 void TframeExplorer::fetchFolder(QTreeWidgetItem* folder) {
   const auto path = pathOf(folder);
-  const auto sql = ex::folderStatement(path, serverMajor_, filter_->text().toStdString());
+  const auto sql = ex::folderStatement(path, serverMajor_, filter_->text().toStdString(),
+                                       [this](std::string_view value) { return EscapeString(session_, value); });
   if (!sql) return;
   removeChildren(folder);
   const auto result = run(*sql);
