@@ -5,7 +5,7 @@
 
 #include "engine/app/explorer_nodes.h"
 #include "engine/connect/escape.h"
-#include "engine/connect/my_query.h"
+#include "engine/connect/read_result_table.h"
 
 namespace lomarin {
 
@@ -40,19 +40,6 @@ std::vector<FolderStatement> folderStatements(std::string_view database, int maj
   return out;
 }
 
-explorer::ResultTable readAll(TMyConnection& session, const std::string& sql) {
-  explorer::ResultTable result;
-  TMyQuery query(session);
-  query.SQL = sql;
-  query.Open();
-  for (const TMyField& field : query.Fields()) result.columns.push_back(field.Name);
-  while (query.Next()) {
-    auto& row = result.rows.emplace_back();
-    for (size_t i = 0; i < result.columns.size(); ++i) row.emplace_back(query.Value(i));
-  }
-  return result;
-}
-
 }  // namespace
 
 std::vector<std::string> DbObjectStatements(std::string_view database, int serverMajorVersion,
@@ -73,7 +60,7 @@ std::vector<TDbObjectName> LoadDbObjectNames(TMyConnection& session) {
        folderStatements(database, session.ServerMajorVersion(), session.ServerVersionNumber(),
                         [&session](std::string_view value) { return EscapeString(session, value); })) {
     auto found = results.find(each.Sql);
-    if (found == results.end()) found = results.emplace(each.Sql, readAll(session, each.Sql)).first;
+    if (found == results.end()) found = results.emplace(each.Sql, ReadResultTable(session, each.Sql)).first;
     for (explorer::ChildNode& child : explorer::folderChildren(each.Folder.Folder, found->second))
       out.push_back({std::move(child.text), each.Folder.Kind});
   }

@@ -9,7 +9,7 @@
 
 #include "engine/connect/escape.h"
 #include "engine/connect/my_connection.h"
-#include "engine/connect/my_query.h"
+#include "engine/connect/read_result_table.h"
 
 namespace lomarin::ui {
 
@@ -132,14 +132,7 @@ std::optional<ex::ResultTable> TframeExplorer::run(const std::string& sql) {
   {
     const WaitCursor wait;
     try {
-      TMyQuery query(session_);
-      query.SQL = sql;
-      query.Open();
-      for (const auto& field : query.Fields()) result.columns.push_back(field.Name);
-      while (query.Next()) {
-        auto& row = result.rows.emplace_back();
-        for (size_t i = 0; i < result.columns.size(); ++i) row.emplace_back(query.Value(i));
-      }
+      result = ReadResultTable(session_, sql);
     } catch (const ServerError& error) {
       failure = error;
     }
