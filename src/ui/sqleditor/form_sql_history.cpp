@@ -13,12 +13,13 @@
 #include <QVBoxLayout>
 
 #include "engine/sqleditor/sql_history.h"
-#include "ui/sqleditor/sql_view.h"
+#include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/vtd_table_model.h"
 
 namespace lomarin::ui {
 
-TformSQLHistory::TformSQLHistory(THsitory& history, const ErrorReporter& reportError, QWidget* parent)
+TformSQLHistory::TformSQLHistory(THsitory& history, SettingsStore& settings, const ErrorReporter& reportError,
+                                 QWidget* parent)
     : QDialog(parent), history_(history) {
   setObjectName("TformSQLHistory");
   setWindowTitle("SQL history");
@@ -33,7 +34,8 @@ TformSQLHistory::TformSQLHistory(THsitory& history, const ErrorReporter& reportE
   page->setObjectName("tabSQLs");
   tabs->addTab(page, "SQL's");
 
-  frameSQL_ = createReadOnlySqlView(page, "frameSQL");
+  frameSQL_ = TframeecSQL::createReadOnly(settings, page);
+  frameSQL_->setObjectName("frameSQL");
   model_ = new VtdTableModel(history_.Table(), this);
   grdHistory_ = new QTableView(page);
   grdHistory_->setObjectName("grdHistory");
@@ -97,7 +99,7 @@ QString TformSQLHistory::SelectedSQL() const {
 }
 
 void TformSQLHistory::currentRecordChanged() {
-  frameSQL_->setText(SelectedSQL());
+  frameSQL_->memo()->setText(SelectedSQL());
 }
 
 void TformSQLHistory::btnOkClick() { done(rbClipboard_->isChecked() ? ResultYes : ResultOK); }

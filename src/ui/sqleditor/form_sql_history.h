@@ -8,14 +8,15 @@ class QButtonGroup;
 class QPushButton;
 class QRadioButton;
 class QTableView;
-class QsciScintilla;
 
 namespace lomarin {
+class SettingsStore;
 class THsitory;
 }
 
 namespace lomarin::ui {
 
+class TframeecSQL;
 class VtdTableModel;
 
 // "SQL history": the recorded statements, newest selected. OK closes with ResultOK ("SQL
@@ -26,7 +27,8 @@ class TformSQLHistory : public QDialog {
   static constexpr int ResultOK = 1;
   static constexpr int ResultYes = 6;
 
-  TformSQLHistory(THsitory& history, const ErrorReporter& reportError, QWidget* parent = nullptr);
+  TformSQLHistory(THsitory& history, SettingsStore& settings, const ErrorReporter& reportError,
+                  QWidget* parent = nullptr);
 
   QString SelectedSQL() const;
 
@@ -36,7 +38,7 @@ class TformSQLHistory : public QDialog {
 
   THsitory& history_;
   VtdTableModel* model_;
-  QsciScintilla* frameSQL_;
+  TframeecSQL* frameSQL_;
   QTableView* grdHistory_;
   QRadioButton* rbSQLEditor_;
   QRadioButton* rbClipboard_;
