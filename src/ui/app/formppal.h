@@ -10,6 +10,7 @@
 #include "engine/connect/lost_connection.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/sql_monitor.h"
+#include "engine/sqleditor/editor_file_format.h"
 
 class QDockWidget;
 class QMdiArea;
@@ -49,12 +50,7 @@ class Tformppal : public QMainWindow {
 
   // The editor charset, line-end format and encoding the connect dialog chose at the last connect;
   // empty before the first. Editors read and write files with them in place of the options.
-  struct EditorFileChoices {
-    std::string Charset;
-    std::string Format;
-    std::string Encoding;
-  };
-  const EditorFileChoices& editorFileChoices() const { return editorFileChoices_; }
+  const TEditorFileChoices& editorFileChoices() const { return editorFileChoices_; }
 
   // Shows the actions a server of this version (its handshake text) supports, hides the others.
   void applyServerVersion(const std::string& versionText);
@@ -118,7 +114,7 @@ class Tformppal : public QMainWindow {
   QHash<QString, FileOpener> openers_;
   bool outputWithStatement_ = false;
   int outputHeight_ = 80;
-  EditorFileChoices editorFileChoices_;
+  TEditorFileChoices editorFileChoices_;
 };
 
 }  // namespace lomarin::ui

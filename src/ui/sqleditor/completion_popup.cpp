@@ -72,8 +72,7 @@ bool TCompletionPopup::popup(const std::vector<TPopupRow>& rows) {
     item->setData(kTextRole, row.Text);
   }
   wordStart_ = WordStartBeforeCaret(*memo_);
-  int index = 0;
-  memo_->lineIndexFromPosition(wordStart_, &line_, &index);
+  memo_->lineIndexFromPosition(wordStart_, &line_, &wordIndex_);
   typed_ = QString();
   if (parentWidget() != memo_->window()) setParent(memo_->window());
   const QFontMetrics metrics(font());
@@ -124,10 +123,7 @@ void TCompletionPopup::narrow() {
     hide();
     return;
   }
-  int startLine = 0;
-  int startIndex = 0;
-  memo_->lineIndexFromPosition(wordStart_, &startLine, &startIndex);
-  const QString typed = memo_->text(line).mid(startIndex, caretIndex - startIndex);
+  const QString typed = memo_->text(line).mid(wordIndex_, caretIndex - wordIndex_);
   if (!typed_.isNull() && typed == typed_) return;
   typed_ = typed;
   int first = -1;

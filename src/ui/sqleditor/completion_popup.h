@@ -47,6 +47,7 @@ class TCompletionPopup : public QListWidget {
   QsciScintilla* memo_;
   int wordStart_ = 0;
   int line_ = 0;
+  int wordIndex_ = 0;  // the word's start within its line
   // The word the rows were narrowed to last; null before the first narrowing.
   QString typed_;
 };

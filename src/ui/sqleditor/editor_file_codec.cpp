@@ -30,26 +30,21 @@ QString encodingName(const TTextEncoding& encoding) {
   return {};
 }
 
-QStringDecoder decoderFor(const TTextEncoding& encoding) {
+// QStringDecoder or QStringEncoder for the encoding.
+template <typename Converter>
+Converter converterFor(const TTextEncoding& encoding) {
   constexpr auto flags = QStringConverter::Flag::Stateless;
-  if (encoding.kind == Kind::Utf16LE) return QStringDecoder(QStringConverter::Utf16LE, flags);
-  if (encoding.kind == Kind::Utf16BE) return QStringDecoder(QStringConverter::Utf16BE, flags);
-  return QStringDecoder(encoding.codePage.c_str(), flags);
+  if (encoding.kind == Kind::Utf16LE) return Converter(QStringConverter::Utf16LE, flags);
+  if (encoding.kind == Kind::Utf16BE) return Converter(QStringConverter::Utf16BE, flags);
+  return Converter(encoding.codePage.c_str(), flags);
 }
 
-QStringEncoder encoderFor(const TTextEncoding& encoding) {
-  constexpr auto flags = QStringConverter::Flag::Stateless;
-  if (encoding.kind == Kind::Utf16LE) return QStringEncoder(QStringConverter::Utf16LE, flags);
-  if (encoding.kind == Kind::Utf16BE) return QStringEncoder(QStringConverter::Utf16BE, flags);
-  return QStringEncoder(encoding.codePage.c_str(), flags);
-}
-
-// The text of bytes in a encoding other than UTF-8; none when it cannot read every byte (or the
+// The text of bytes in an encoding other than UTF-8; none when it cannot read every byte (or the
 // system has no converter for it).
 std::optional<QString> decode(std::string_view bytes, const TTextEncoding& encoding) {
   const bool utf16 = encoding.kind == Kind::Utf16LE || encoding.kind == Kind::Utf16BE;
   if (utf16 && bytes.size() % 2 != 0) return std::nullopt;
-  QStringDecoder decoder = decoderFor(encoding);
+  auto decoder = converterFor<QStringDecoder>(encoding);
   if (!decoder.isValid()) return std::nullopt;
   QString text = decoder.decode(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
   if (decoder.hasError() || (utf16 && !text.isValidUtf16())) return std::nullopt;
@@ -61,7 +56,7 @@ std::optional<QByteArray> encode(std::string_view utf8, const TTextEncoding& enc
   const std::string_view bom = BomBytes(encoding);
   QByteArray bytes(bom.data(), static_cast<qsizetype>(bom.size()));
   if (encoding.kind == Kind::Utf8) return bytes.append(utf8.data(), static_cast<qsizetype>(utf8.size()));
-  QStringEncoder encoder = encoderFor(encoding);
+  auto encoder = converterFor<QStringEncoder>(encoding);
   if (!encoder.isValid()) return std::nullopt;
   const QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
   const QByteArray body = encoder.encode(text);

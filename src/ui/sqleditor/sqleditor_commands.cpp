@@ -39,10 +39,7 @@ TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>
   context.DatabaseObjects = [&window, stores] { return databaseObjects(window.MySqlSession, stores->Names); };
   context.ShowServerError = [&window](const QString& message) { window.ShowServerError(message); };
   context.CurrentDb = [&window] { return window.currentdb(); };
-  context.FileChoices = [&window] {
-    const auto& chosen = window.editorFileChoices();
-    return TEditorFileChoices{chosen.Charset, chosen.Format, chosen.Encoding};
-  };
+  context.FileChoices = [&window] { return window.editorFileChoices(); };
   return new TformSQLEditor(context);
 }
 
