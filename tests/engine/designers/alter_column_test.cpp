@@ -1,0 +1,96 @@
+#include "engine/designers/alter_column.h"
+
+#include <gtest/gtest.h>
+
+namespace lomarin::designers {
+namespace {
+
+TAlterColumnState column(std::string name, std::string type) {
+  TAlterColumnState state;
+  state.Table = "t";
+  state.Name = std::move(name);
+  state.DataType = std::move(type);
+  state.After = "id";
+  return state;
+}
+
+TEST(AddColumn, DefaultIsWrittenAsTypedExceptForEnumAndSet) {
+  TAlterColumnState n = column("n", "int");
+  n.Length = "11";
+  n.Default = "5";
+  n.NotNull = n.Unsigned = true;
+  EXPECT_EQ(BuildAddColumnSql(n), "Alter table t Add n int(11)  UNSIGNED  Default 5 Not Null  After id");
+  TAlterColumnState s = column("s", "enum");
+  s.Values = "a,b c";
+  s.Default = "a";
+  EXPECT_EQ(BuildAddColumnSql(s), "Alter table t Add s enum('a','b c')   Default 'a'   After id");
+}
+
+TEST(AddColumn, WithoutDefaultTheOtherTemplate) {
+  TAlterColumnState v = column("v", "varchar");
+  v.Length = "20";
+  EXPECT_EQ(BuildAddColumnSql(v), "Alter table t Add v varchar(20)     After id");
+  TAlterColumnState z = column("z", "int");
+  z.Unsigned = z.Zerofill = z.AutoIncrement = true;
+  EXPECT_EQ(BuildAddColumnSql(z), "Alter table t Add z int  UNSIGNED ZEROFILL   AUTO_INCREMENT After id");
+}
+
+TEST(ChangeColumn, RenamesAndRetypesInOneChange) {
+  TAlterColumnState c = column("new", "bigint");
+  c.PresentName = "old";
+  c.Length = "20";
+  c.NotNull = c.AutoIncrement = true;
+  EXPECT_EQ(BuildChangeColumnSql(c),
+            "Alter table t change `old`  `new` bigint(20)   Not Null AUTO_INCREMENT ");
+  c.Default = "'x'";
+  c.AutoIncrement = false;
+  c.PresentName = "o`ld";
+  EXPECT_EQ(BuildChangeColumnSql(c),
+            "Alter table t change `o``ld`  `new` bigint(20)   Default 'x' Not Null  ");
+}
+
+TEST(ChangeColumn, EnumAndSetAreModifiedAndKeepTheirName) {
+  TAlterColumnState e = column("renamed", "enum");
+  e.PresentName = "c";
+  e.Values = "x,y";
+  e.NotNull = true;
+  e.Unsigned = true;
+  // No placeholder of the template reaches the server, unsigned or not.
+  EXPECT_EQ(BuildChangeColumnSql(e), "ALTER TABLE t MODIFY COLUMN `c` enum('x','y')  Not Null  ");
+  TAlterColumnState s = column("c", "set");
+  s.PresentName = "c";
+  s.Values = "x,y";
+  s.Default = "x";
+  EXPECT_EQ(BuildChangeColumnSql(s), "ALTER TABLE t MODIFY COLUMN `c` set('x','y') Default 'x'   ");
+}
+
+TEST(ColumnStatements, ShowFields) {
+  EXPECT_EQ(ShowFieldsSql("t"), "show fields FROM t");
+  EXPECT_EQ(ShowFieldSql("t", "a"), "show fields FROM t like 'a'");
+}
+
+TEST(ReadColumn, SplitsTheTypeText) {
+  TAlterColumnState state;
+  ReadColumn({"id", "int(10) unsigned zerofill", "NO", "PRI", "", "auto_increment"}, state);
+  EXPECT_EQ(state.Name, "id");
+  EXPECT_EQ(state.DataType, "int");
+  EXPECT_EQ(state.Length, "10");
+  EXPECT_TRUE(state.Unsigned && state.Zerofill && state.NotNull && state.AutoIncrement && state.Key);
+  EXPECT_EQ(state.Values, "");
+
+  ReadColumn({"e", "enum('a','b c')", "YES", "", "a", ""}, state);
+  EXPECT_EQ(state.DataType, "enum");
+  EXPECT_EQ(state.Values, "a,b c");
+  EXPECT_EQ(state.Length, "");
+  EXPECT_EQ(state.Default, "a");
+  EXPECT_FALSE(state.Unsigned || state.Zerofill || state.NotNull || state.AutoIncrement || state.Key);
+
+  ReadColumn({"n", "int unsigned", "YES", "MUL", "", ""}, state);
+  EXPECT_EQ(state.DataType, "int");
+  EXPECT_TRUE(state.Unsigned);
+  ReadColumn({"d", "decimal(10,2)", "YES", "", "", ""}, state);
+  EXPECT_EQ(state.Length, "10,2");
+}
+
+}  // namespace
+}  // namespace lomarin::designers
