@@ -37,7 +37,8 @@ std::string TDumpCatalog::qualified(const std::string& object) const {
 }
 
 std::vector<std::vector<std::string>> TDumpCatalog::rows(const std::string& sql,
-                                                         const std::vector<std::string>& columns) {
+                                                         const std::vector<std::string>& columns,
+                                                         const std::vector<std::string>& optional) {
   TMyQuery query(connection_);
   query.SQL = sql;
   query.Open();
@@ -47,12 +48,30 @@ std::vector<std::vector<std::string>> TDumpCatalog::rows(const std::string& sql,
     if (index.back() < 0) throw DumpError("Column " + column + " missing from the result of " + sql);
   }
   if (columns.empty()) index.push_back(0);
+  for (const auto& column : optional) index.push_back(query.FieldIndex(column));
   std::vector<std::vector<std::string>> result;
   while (query.Next()) {
     auto& row = result.emplace_back();
-    for (int i : index) row.emplace_back(query.Value(static_cast<size_t>(i)));
+    for (int i : index) row.emplace_back(i < 0 ? std::string_view() : query.Value(static_cast<size_t>(i)));
   }
   return result;
+}
+
+TDumpCatalog::Code TDumpCatalog::code(const std::string& sql, const std::string& textColumn, bool timeZone) {
+  TMyQuery query(connection_);
+  query.SQL = sql;
+  query.Open();
+  const int text = query.FieldIndex(textColumn);
+  if (text < 0 || !query.Next() || query.IsNull(static_cast<size_t>(text)))
+    throw DumpError("No definition returned by " + sql);
+  auto value = [&](const char* column) {
+    const int i = query.FieldIndex(column);
+    return i < 0 || query.IsNull(static_cast<size_t>(i)) ? std::string()
+                                                         : std::string(query.Value(static_cast<size_t>(i)));
+  };
+  return {std::string(query.Value(static_cast<size_t>(text))),
+          {value("sql_mode"), value("character_set_client"), value("collation_connection"),
+           timeZone ? value("time_zone") : std::string()}};
 }
 
 std::string TDumpCatalog::cell(const std::string& sql, size_t column) {
@@ -83,12 +102,12 @@ std::string TDumpCatalog::createTable(const std::string& table) {
 
 std::vector<TDumpCatalog::Column> TDumpCatalog::columns(const std::string& table) {
   std::vector<Column> result;
-  for (auto& row : rows("SHOW COLUMNS FROM " + qualified(table), {"Field", "Extra"})) {
+  for (auto& row : rows("SHOW COLUMNS FROM " + qualified(table), {"Field", "Extra", "Type"})) {
     const std::string extra = lower(row[1]);
     // MariaDB says "VIRTUAL GENERATED" / "STORED GENERATED" (older: "PERSISTENT"), MySQL adds GENERATED too.
     const bool generated = contains(extra, "generated") || contains(extra, "persistent") ||
                            extra == "virtual" || contains(extra, "virtual ");
-    result.push_back({std::move(row[0]), generated});
+    result.push_back({std::move(row[0]), generated, lower(row[2]).starts_with("float")});
   }
   return result;
 }
@@ -124,8 +143,9 @@ std::vector<std::string> TDumpCatalog::routineKinds(const std::string& routine) 
   return kinds;
 }
 
-std::string TDumpCatalog::createRoutine(const std::string& kind, const std::string& routine) {
-  return cell("SHOW CREATE " + kind + " " + qualified(routine), 2);
+TDumpCatalog::Code TDumpCatalog::createRoutine(const std::string& kind, const std::string& routine) {
+  return code("SHOW CREATE " + kind + " " + qualified(routine),
+              kind == "FUNCTION" ? "Create Function" : "Create Procedure", false);
 }
 
 std::vector<std::string> TDumpCatalog::triggerNames() {
@@ -139,9 +159,14 @@ std::vector<TDumpCatalog::Trigger> TDumpCatalog::trigger(const std::string& trig
   std::vector<Trigger> result;
   const std::string sql = "SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_) +
                           " WHERE `trigger` = " + QuotedString(connection_, trigger);
-  for (auto& row : rows(sql, {"Trigger", "Timing", "Event", "Table", "Statement"}))
-    result.push_back(
-        {std::move(row[0]), std::move(row[1]), std::move(row[2]), std::move(row[3]), std::move(row[4])});
+  for (auto& row : rows(sql, {"Trigger", "Timing", "Event", "Table", "Statement"},
+                        {"sql_mode", "character_set_client", "collation_connection"}))
+    result.push_back({std::move(row[0]),
+                      std::move(row[1]),
+                      std::move(row[2]),
+                      std::move(row[3]),
+                      std::move(row[4]),
+                      {std::move(row[5]), std::move(row[6]), std::move(row[7]), {}}});
   return result;
 }
 
@@ -152,8 +177,8 @@ std::vector<std::string> TDumpCatalog::eventNames() {
   return names;
 }
 
-std::string TDumpCatalog::createEvent(const std::string& event) {
-  return cell("SHOW CREATE EVENT " + qualified(event), 3);
+TDumpCatalog::Code TDumpCatalog::createEvent(const std::string& event) {
+  return code("SHOW CREATE EVENT " + qualified(event), "Create Event", true);
 }
 
 std::vector<std::string> SplitNames(const std::string& list, const std::string& database) {

@@ -27,26 +27,41 @@ class TDumpCatalog {
   struct Column {
     std::string name;
     bool generated = false;
+    // FLOAT: the server's text keeps only 6 digits of it.
+    bool isFloat = false;
   };
   std::vector<Column> columns(const std::string& table);
   uint64_t rowCount(const std::string& table);
 
+  // The settings a routine, trigger or event was created under; empty where the server has none.
+  struct CodeModes {
+    std::string sqlMode, charsetClient, collation, timeZone;
+  };
+  struct Code {
+    std::string text;
+    CodeModes modes;
+  };
+
   std::vector<std::string> routineNames();
   // "PROCEDURE" and/or "FUNCTION": a procedure and a function may share a name.
   std::vector<std::string> routineKinds(const std::string& routine);
-  std::string createRoutine(const std::string& kind, const std::string& routine);
+  Code createRoutine(const std::string& kind, const std::string& routine);
 
   struct Trigger {
     std::string name, timing, event, table, statement;
+    CodeModes modes;
   };
   std::vector<std::string> triggerNames();
   std::vector<Trigger> trigger(const std::string& trigger);
 
   std::vector<std::string> eventNames();
-  std::string createEvent(const std::string& event);
+  Code createEvent(const std::string& event);
 
  private:
-  std::vector<std::vector<std::string>> rows(const std::string& sql, const std::vector<std::string>& columns);
+  // The named columns of every row; an optional column the server lacks reads as empty.
+  std::vector<std::vector<std::string>> rows(const std::string& sql, const std::vector<std::string>& columns,
+                                             const std::vector<std::string>& optional = {});
+  Code code(const std::string& sql, const std::string& textColumn, bool timeZone);
   std::string cell(const std::string& sql, size_t column);
 
   TMyConnection& connection_;

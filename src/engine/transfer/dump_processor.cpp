@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "engine/connect/my_query.h"
+#include "engine/transfer/dump_session.h"
 #include "engine/transfer/insert_writer.h"
 #include "engine/transfer/sql_text.h"
 
@@ -21,31 +22,6 @@ std::string scriptDate(std::chrono::system_clock::time_point when) {
   std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
   return text;
 }
-
-// The session reads TIMESTAMP values (and TIMESTAMP defaults) in UTC, the zone the script
-// restores them in; the user's zone is put back whatever happens.
-class UtcSession {
- public:
-  explicit UtcSession(TMyConnection& connection) : connection_(connection) {
-    TMyQuery query(connection_);
-    query.SQL = "SELECT @@session.time_zone";
-    query.Open();
-    if (query.Next()) saved_ = query.Value(0);
-    query.Close();
-    query.SQL = "SET time_zone = '+00:00'";
-    query.Execute();
-  }
-  ~UtcSession() {
-    if (saved_.empty() || !connection_.Connected()) return;
-    ExecSQLText(connection_, "SET time_zone = " + QuotedString(connection_, saved_));
-  }
-  UtcSession(const UtcSession&) = delete;
-  UtcSession& operator=(const UtcSession&) = delete;
-
- private:
-  TMyConnection& connection_;
-  std::string saved_;
-};
 
 std::string currentDatabase(const TMyDump& dump) {
   return dump.Database.empty() ? dump.Connection->CurrentDatabase() : dump.Database;
@@ -105,20 +81,20 @@ void TMyDumpProcessor::backup() {
   const bool anyTables = objects.has(doTables) || objects.has(doData) || objects.has(doViews);
   const bool needsDatabase = objects.bits() & ~static_cast<uint8_t>(doUsers);
   if (needsDatabase && database_.empty()) throw DumpError("No database selected");
-  UtcSession utc(connection_);
+  TDumpSession session(connection_, database_);
 
   // Everything is read up front: once rows stream, the session can run nothing else.
-  std::vector<Routine> routines;
-  std::vector<std::string> events;
+  std::vector<std::pair<std::string, std::string>> routineNames;
+  std::vector<std::string> eventNames;
   if (objects.has(doStoredProcs)) {
     for (const auto& name : wanted(dump_.StoredProcNames, catalog_.routineNames(), "Routine"))
-      for (const auto& kind : catalog_.routineKinds(name)) routines.push_back({kind, name});
+      for (const auto& kind : catalog_.routineKinds(name)) routineNames.emplace_back(kind, name);
     if (connection_.ServerVersionNumber() >= 51) {
       // Events have no object bit of their own; they travel with the stored routines.
       const auto names = SplitNames(dump_.StoredProcNames, database_);
       for (auto& event : catalog_.eventNames())
         if (names.empty() || std::find(names.begin(), names.end(), event) != names.end())
-          events.push_back(std::move(event));
+          eventNames.push_back(std::move(event));
     }
   }
   std::vector<std::string> baseTables, views;
@@ -141,6 +117,19 @@ void TMyDumpProcessor::backup() {
   const auto viewOrder = ViewOrder(views, viewTexts);
   std::vector<std::string> triggers;
   if (objects.has(doTriggers)) triggers = wanted(dump_.TriggerNames, catalog_.triggerNames(), "Trigger");
+
+  // Code is written in the character set it was created with, which its own settings name.
+  std::vector<Routine> routines;
+  std::vector<std::vector<TDumpCatalog::Trigger>> triggerDefinitions;
+  std::vector<Event> events;
+  if (!routineNames.empty() || !triggers.empty() || !eventNames.empty()) {
+    session.rawTexts(true);
+    for (auto& [kind, name] : routineNames)
+      routines.push_back({kind, name, catalog_.createRoutine(kind, name)});
+    for (const auto& trigger : triggers) triggerDefinitions.push_back(catalog_.trigger(trigger));
+    for (auto& name : eventNames) events.push_back({name, catalog_.createEvent(name)});
+    session.rawTexts(false);
+  }
   objectCount_ =
       static_cast<int>(routines.size() + baseTables.size() + views.size() + triggers.size() + events.size());
 
@@ -151,7 +140,7 @@ void TMyDumpProcessor::backup() {
   for (const auto& routine : routines) writeRoutine(routine);
   for (const auto& table : baseTables) writeTable(table, {}, false);
   for (size_t i : viewOrder) writeTable(views[i], viewTexts[i], true);
-  for (const auto& trigger : triggers) writeTrigger(trigger);
+  for (size_t i = 0; i < triggers.size(); ++i) writeTrigger(triggers[i], triggerDefinitions[i]);
   for (const auto& event : events) writeEvent(event);
   closeScript();
 }
@@ -161,7 +150,8 @@ void TMyDumpProcessor::backupQuery(const std::string& sql) {
   const auto names = SplitNames(dump_.TableNames, database_);
   if (names.size() > 1)
     throw DumpError("To execute BackupQuery TableNames must have not more than one table");
-  UtcSession utc(connection_);
+  // The query's names are the user's, read against the session's current database.
+  TDumpSession session(connection_, {});
   TMyQuery query(connection_);
   query.SQL = sql;
   query.UniDirectional = true;
@@ -181,7 +171,7 @@ void TMyDumpProcessor::backupQuery(const std::string& sql) {
   nextObject(table);
   writeHeader();
   openScript(true);
-  writeRows(catalog_.name(table), query, columns, false, 0);
+  writeRows(catalog_.name(table), query, columns, false, {}, 0);
   closeScript();
   progress(table, 100);
 }
@@ -264,15 +254,38 @@ void TMyDumpProcessor::writeUsers() {
   line("");
 }
 
+void TMyDumpProcessor::codeModes(const TDumpCatalog::CodeModes& modes) {
+  if (modes.sqlMode.empty() && modes.charsetClient.empty()) return;
+  const bool zone = !modes.timeZone.empty();
+  line(std::string("/*!50003 SET @OLD_CODE_SQL_MODE=@@SQL_MODE, "
+                   "@OLD_CODE_CHARACTER_SET_CLIENT=@@CHARACTER_SET_CLIENT, "
+                   "@OLD_CODE_COLLATION_CONNECTION=@@COLLATION_CONNECTION") +
+       (zone ? ", @OLD_CODE_TIME_ZONE=@@TIME_ZONE" : "") + " */;");
+  std::string set = "/*!50003 SET SQL_MODE=" + QuotedString(connection_, modes.sqlMode);
+  if (!modes.charsetClient.empty()) set += ", CHARACTER_SET_CLIENT=" + modes.charsetClient;
+  if (!modes.collation.empty()) set += ", COLLATION_CONNECTION=" + modes.collation;
+  if (zone) set += ", TIME_ZONE=" + QuotedString(connection_, modes.timeZone);
+  line(set + " */;");
+}
+
+void TMyDumpProcessor::scriptModes(const TDumpCatalog::CodeModes& modes) {
+  if (modes.sqlMode.empty() && modes.charsetClient.empty()) return;
+  line(std::string(
+           "/*!50003 SET SQL_MODE=@OLD_CODE_SQL_MODE, CHARACTER_SET_CLIENT=@OLD_CODE_CHARACTER_SET_CLIENT, "
+           "COLLATION_CONNECTION=@OLD_CODE_COLLATION_CONNECTION") +
+       (modes.timeZone.empty() ? "" : ", TIME_ZONE=@OLD_CODE_TIME_ZONE") + " */;");
+}
+
 void TMyDumpProcessor::writeRoutine(const Routine& routine) {
   nextObject(routine.name);
   const std::string name = catalog_.name(routine.name);
-  const std::string create = catalog_.createRoutine(routine.kind, routine.name);
+  codeModes(routine.create.modes);
   comment("StoredProc  " + name);
   line("DELIMITER $$");
   if (options_.AddDrop) line("DROP " + routine.kind + " IF EXISTS " + name + " $$");
-  line(create + " $$");
+  line(routine.create.text + " $$");
   line("DELIMITER ;");
+  scriptModes(routine.create.modes);
   line("");
   progress(routine.name, 100);
 }
@@ -299,32 +312,38 @@ void TMyDumpProcessor::writeTableData(const std::string& table) {
   const uint64_t count = catalog_.rowCount(table);
   if (count == 0) return;
   // Generated columns cannot be given values: they are left out of the SELECT and the INSERTs.
+  // FLOAT is read widened to DOUBLE, whose text holds every digit of it.
   const bool generated =
       std::any_of(columns.begin(), columns.end(), [](const auto& c) { return c.generated; });
+  const bool floats = std::any_of(columns.begin(), columns.end(), [](const auto& c) { return c.isFloat; });
   std::vector<std::string> names;
+  std::vector<bool> floatColumns;
   std::string selectList;
   for (const auto& column : columns) {
     if (column.generated) continue;
     names.push_back(catalog_.name(column.name));
-    selectList += (selectList.empty() ? "" : ", ") + ScriptName(column.name, true);
+    floatColumns.push_back(column.isFloat);
+    selectList +=
+        (selectList.empty() ? "" : ", ") + ScriptName(column.name, true) + (column.isFloat ? " * 1e0" : "");
   }
   TMyQuery query(connection_);
-  query.SQL = "SELECT " + (generated ? selectList : std::string("*")) + " FROM " + catalog_.qualified(table);
+  query.SQL = "SELECT " + (generated || floats ? selectList : std::string("*")) + " FROM " +
+              catalog_.qualified(table);
   query.UniDirectional = true;
   query.FetchAll = false;
   query.Open();
-  writeRows(catalog_.name(table), query, names, generated, count);
+  writeRows(catalog_.name(table), query, names, generated, floatColumns, count);
 }
 
 void TMyDumpProcessor::writeRows(const std::string& table, TMyQuery& query,
                                  const std::vector<std::string>& columns, bool listRequired,
-                                 uint64_t expectedRows) {
+                                 const std::vector<bool>& floatColumns, uint64_t expectedRows) {
   if (!query.Next()) return;
   comment("Dumping data for table " + table);
   const bool lock = options_.AddLock && !options_.UseDelayedIns;
   if (lock) line("LOCK TABLES " + table + " WRITE;");
   if (options_.DisableKeys) line("/*!40000 ALTER TABLE " + table + " DISABLE KEYS */;");
-  TInsertWriter writer(sink_, connection_, options_, table, columns, listRequired);
+  TInsertWriter writer(sink_, connection_, options_, table, columns, listRequired, floatColumns);
   uint64_t rows = 0;
   do {
     writer.row(query);
@@ -337,10 +356,12 @@ void TMyDumpProcessor::writeRows(const std::string& table, TMyQuery& query,
   line("");
 }
 
-void TMyDumpProcessor::writeTrigger(const std::string& trigger) {
+void TMyDumpProcessor::writeTrigger(const std::string& trigger,
+                                    const std::vector<TDumpCatalog::Trigger>& definitions) {
   nextObject(trigger);
-  for (const auto& t : catalog_.trigger(trigger)) {
+  for (const auto& t : definitions) {
     const std::string name = catalog_.name(t.name);
+    codeModes(t.modes);
     line("DELIMITER $$");
     comment("Trigger  " + name);
     if (options_.AddDrop) line("DROP TRIGGER IF EXISTS " + name + " $$");
@@ -348,22 +369,24 @@ void TMyDumpProcessor::writeTrigger(const std::string& trigger) {
          " FOR EACH ROW");
     line(t.statement + " $$");
     line("DELIMITER ;");
+    scriptModes(t.modes);
     line("");
   }
   progress(trigger, 100);
 }
 
-void TMyDumpProcessor::writeEvent(const std::string& event) {
-  nextObject(event);
-  const std::string name = catalog_.name(event);
-  const std::string create = catalog_.createEvent(event);
+void TMyDumpProcessor::writeEvent(const Event& event) {
+  nextObject(event.name);
+  const std::string name = catalog_.name(event.name);
+  codeModes(event.create.modes);
   comment("Event  " + name);
   line("DELIMITER $$");
   if (options_.AddDrop) line("DROP EVENT IF EXISTS " + name + " $$");
-  line(create + " $$");
+  line(event.create.text + " $$");
   line("DELIMITER ;");
+  scriptModes(event.create.modes);
   line("");
-  progress(event, 100);
+  progress(event.name, 100);
 }
 
 }  // namespace lomarin

@@ -22,6 +22,11 @@ class TMyDumpProcessor {
  private:
   struct Routine {
     std::string kind, name;
+    TDumpCatalog::Code create;
+  };
+  struct Event {
+    std::string name;
+    TDumpCatalog::Code create;
   };
 
   void line(std::string_view text);
@@ -35,14 +40,18 @@ class TMyDumpProcessor {
   void closeScript();
   void writeDatabase();
   void writeUsers();
+  // Around a routine, trigger or event: the settings it was created under, then the script's again.
+  void codeModes(const TDumpCatalog::CodeModes& modes);
+  void scriptModes(const TDumpCatalog::CodeModes& modes);
   void writeRoutine(const Routine& routine);
   void writeTable(const std::string& table, const std::string& createText, bool isView);
   void writeTableData(const std::string& table);
   // Writes the data block for the rows the open query still has; nothing when it has none.
+  // floatColumns marks the FLOAT columns read as DOUBLE.
   void writeRows(const std::string& table, TMyQuery& query, const std::vector<std::string>& columns,
-                 bool listRequired, uint64_t expectedRows);
-  void writeTrigger(const std::string& trigger);
-  void writeEvent(const std::string& event);
+                 bool listRequired, const std::vector<bool>& floatColumns, uint64_t expectedRows);
+  void writeTrigger(const std::string& trigger, const std::vector<TDumpCatalog::Trigger>& definitions);
+  void writeEvent(const Event& event);
 
   std::vector<std::string> wanted(const std::string& list, std::vector<std::string> all,
                                   const char* kind) const;

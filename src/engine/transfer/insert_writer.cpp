@@ -19,8 +19,12 @@ std::string TInsertWriter::verb(const TMyDumpOptions& options) {
 
 TInsertWriter::TInsertWriter(TDumpSink& sink, TMyConnection& connection, const TMyDumpOptions& options,
                              const std::string& table, const std::vector<std::string>& columns,
-                             bool listRequired)
-    : sink_(sink), connection_(connection), options_(options), head_(verb(options) + table) {
+                             bool listRequired, std::vector<bool> floatColumns)
+    : sink_(sink),
+      connection_(connection),
+      options_(options),
+      head_(verb(options) + table),
+      floatColumns_(std::move(floatColumns)) {
   if (options.CompleteInsert || listRequired) {
     head_ += '(';
     for (size_t i = 0; i < columns.size(); ++i) {
@@ -47,6 +51,10 @@ void TInsertWriter::row(const TMyQuery& query) {
   const auto& fields = query.Fields();
   for (size_t i = 0; i < fields.size(); ++i) {
     if (i > 0) statement_ += ", ";
+    if (i < floatColumns_.size() && floatColumns_[i] && !query.IsNull(i)) {
+      AppendFloatLiteral(statement_, query.Value(i));
+      continue;
+    }
     AppendLiteral(statement_, connection_, fields[i], query.Value(i), query.IsNull(i), options_.HexBlob);
   }
   statement_ += ')';

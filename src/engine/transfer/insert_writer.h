@@ -13,9 +13,11 @@ namespace lomarin {
 class TInsertWriter {
  public:
   // columns: script spellings for the column list; written when CompleteInsert is on or a list is
-  // required (generated columns left out), otherwise ignored.
+  // required (generated columns left out), otherwise ignored. floatColumns marks the FLOAT columns
+  // the query reads widened to DOUBLE; they are written as FLOAT again.
   TInsertWriter(TDumpSink& sink, TMyConnection& connection, const TMyDumpOptions& options,
-                const std::string& table, const std::vector<std::string>& columns, bool listRequired);
+                const std::string& table, const std::vector<std::string>& columns, bool listRequired,
+                std::vector<bool> floatColumns);
   TInsertWriter(const TInsertWriter&) = delete;
   TInsertWriter& operator=(const TInsertWriter&) = delete;
 
@@ -38,6 +40,7 @@ class TInsertWriter {
   const TMyDumpOptions& options_;
   std::string head_;
   std::string statement_;
+  std::vector<bool> floatColumns_;
   int rowsInBatch_ = 0;
 };
 

@@ -130,21 +130,35 @@ TEST(DumpScript, RoutinesTriggersAndEvents) {
   const std::string definer = test::scalar(*f.session, "SELECT CURRENT_USER()");
   const std::string at = definer.substr(0, definer.find('@'));
   const std::string by = "`" + at + "`@`" + definer.substr(definer.find('@') + 1) + "`";
+  // Each piece of code is created again under the settings it was created under.
+  const std::string modes = "SQL_MODE='" + test::scalar(*f.session, "SELECT @@sql_mode") +
+                            "', CHARACTER_SET_CLIENT=utf8mb4, COLLATION_CONNECTION=utf8mb4_general_ci";
+  const std::string save =
+      "/*!50003 SET @OLD_CODE_SQL_MODE=@@SQL_MODE, @OLD_CODE_CHARACTER_SET_CLIENT=@@CHARACTER_SET_CLIENT, "
+      "@OLD_CODE_COLLATION_CONNECTION=@@COLLATION_CONNECTION";
+  const std::string back =
+      "/*!50003 SET SQL_MODE=@OLD_CODE_SQL_MODE, CHARACTER_SET_CLIENT=@OLD_CODE_CHARACTER_SET_CLIENT, "
+      "COLLATION_CONNECTION=@OLD_CODE_COLLATION_CONNECTION";
+  const std::string around = save + " */;\r\n/*!50003 SET " + modes + " */;\r\n";
   f.dump.Objects = TMyDumpObjects(TMyDumpObject::doStoredProcs) | TMyDumpObject::doTriggers;
-  EXPECT_EQ(f.script(), f.header() + DumpFixture::opening(false) +
+  EXPECT_EQ(f.script(), f.header() + DumpFixture::opening(false) + around +
                             "-- \r\n-- StoredProc  p_touch\r\n-- \r\n\r\n"
                             "DELIMITER $$\r\n"
                             "DROP PROCEDURE IF EXISTS p_touch $$\r\n"
                             "CREATE DEFINER=" +
                             by +
                             " PROCEDURE `p_touch`(IN x INT)\nBEGIN\n  SELECT x;\nEND $$\r\n"
-                            "DELIMITER ;\r\n\r\n"
+                            "DELIMITER ;\r\n" +
+                            back + " */;\r\n\r\n" + around +
                             "DELIMITER $$\r\n"
                             "-- \r\n-- Trigger  trg_t\r\n-- \r\n\r\n"
                             "DROP TRIGGER IF EXISTS trg_t $$\r\n"
                             "CREATE TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW\r\n"
                             "SET NEW.a = NEW.a + 1 $$\r\n"
-                            "DELIMITER ;\r\n\r\n"
+                            "DELIMITER ;\r\n" +
+                            back + " */;\r\n\r\n" + save +
+                            ", @OLD_CODE_TIME_ZONE=@@TIME_ZONE */;\r\n/*!50003 SET " + modes +
+                            ", TIME_ZONE='SYSTEM' */;\r\n"
                             "-- \r\n-- Event  ev_clear\r\n-- \r\n\r\n"
                             "DELIMITER $$\r\n"
                             "DROP EVENT IF EXISTS ev_clear $$\r\n"
@@ -152,7 +166,8 @@ TEST(DumpScript, RoutinesTriggersAndEvents) {
                             by +
                             " EVENT `ev_clear` ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 00:00:00' "
                             "ON COMPLETION NOT PRESERVE ENABLE DO DELETE FROM t $$\r\n"
-                            "DELIMITER ;\r\n\r\n" +
+                            "DELIMITER ;\r\n" +
+                            back + ", TIME_ZONE=@OLD_CODE_TIME_ZONE */;\r\n\r\n" +
                             DumpFixture::closing(false));
   // Only the named routine: the event does not travel with it.
   f.dump.Objects = TMyDumpObject::doStoredProcs;
@@ -187,6 +202,7 @@ TEST(DumpScript, AnonymousAccountIsWrittenWithEmptyBackQuotes) {
   test::sideExec("DROP USER IF EXISTS ''@'dump.example'");
   test::sideExec("CREATE USER ''@'dump.example'");
   DumpFixture f("dump_users", {});
+  const std::string mode = test::scalar(*f.session, "SELECT @@sql_mode");
   test::SentLog log(*f.session);
   f.dump.Objects = TMyDumpObject::doUsers;
   const std::string script = f.script();
@@ -194,10 +210,13 @@ TEST(DumpScript, AnonymousAccountIsWrittenWithEmptyBackQuotes) {
   EXPECT_NE(script.find("-- \r\n-- User permissions\r\n-- \r\n\r\n"), std::string::npos);
   EXPECT_NE(script.find("\r\nGRANT USAGE ON *.* TO ``@`dump.example`;\r\n"), std::string::npos);
   EXPECT_NE(std::find(log.sent.begin(), log.sent.end(), "SHOW GRANTS FOR ``@`dump.example`"), log.sent.end());
-  EXPECT_EQ(log.sent.at(0), "SELECT @@session.time_zone");
-  EXPECT_EQ(log.sent.at(1), "SET time_zone = '+00:00'");
+  // The dump reads in settings of its own and puts the user's back.
+  EXPECT_EQ(log.sent.at(0),
+            "SELECT @@session.time_zone, @@session.sql_mode, @@session.character_set_results, DATABASE()");
+  EXPECT_EQ(log.sent.at(1), "SET time_zone = '+00:00', sql_mode = ''");
   EXPECT_EQ(log.sent.at(2), "SELECT * FROM mysql.user");
-  EXPECT_EQ(log.sent.back(), "SET time_zone = 'SYSTEM'");
+  EXPECT_EQ(log.sent.back(),
+            "SET time_zone = 'SYSTEM', sql_mode = '" + mode + "', character_set_results = utf8mb4");
 }
 
 TEST(DumpScript, OddNamesStayInsideTheirLinesAndStatements) {

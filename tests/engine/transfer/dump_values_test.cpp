@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <random>
+
 #include "dump_fixture.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/my_script.h"
+#include "engine/transfer/sql_text.h"
 
 namespace lomarin {
 namespace {
@@ -78,6 +84,40 @@ TEST(DumpValues, LiteralsAsStoredAndTheyLoadBack) {
     EXPECT_EQ(test::scalar(*f.session, "SELECT CONCAT(twice, ' ', ts) FROM v WHERE id = 1"),
               "2 2024-06-01 17:00:00");
     EXPECT_EQ(test::scalar(*f.session, "SELECT @@session.time_zone"), "+05:00");
+  }
+}
+
+std::string floatLiteral(std::string_view exactDouble) {
+  std::string out;
+  AppendFloatLiteral(out, exactDouble);
+  return out;
+}
+
+TEST(DumpValues, FloatsAreWrittenAsTheShortestTextThatLoadsBack) {
+  // The server's DOUBLE text of a FLOAT value, as the dump reads it, and what the script holds.
+  EXPECT_EQ(floatLiteral("1234567"), "1234567");
+  EXPECT_EQ(floatLiteral("0.10000000149011612"), "0.1");
+  EXPECT_EQ(floatLiteral("-0.5"), "-0.5");
+  EXPECT_EQ(floatLiteral("16777216"), "16777216");
+  EXPECT_EQ(floatLiteral("1.401298464324817e-45"), "1e-45");
+  EXPECT_EQ(floatLiteral("1.1754943508222875e-38"), "1.1754944e-38");
+  // The largest FLOAT's shortest text is beyond the range the server accepts for a FLOAT.
+  EXPECT_EQ(floatLiteral("3.4028234663852886e38"), "3.4028234663852886e38");
+  EXPECT_EQ(floatLiteral("0.1"), "0.1") << "not a FLOAT value: written as it came";
+
+  // Any FLOAT: the text reads back, through DOUBLE as the server reads it, to the same value.
+  std::mt19937 random(20240506);
+  for (int i = 0; i < 200000; ++i) {
+    const auto value = std::bit_cast<float>(static_cast<uint32_t>(random()));
+    if (!std::isfinite(value)) continue;
+    char wide[32];
+    const auto end = std::to_chars(wide, wide + sizeof wide, static_cast<double>(value)).ptr;
+    const std::string text = floatLiteral(std::string_view(wide, end - wide));
+    double reread = 0;
+    ASSERT_EQ(std::from_chars(text.data(), text.data() + text.size(), reread).ec, std::errc()) << text;
+    ASSERT_LE(std::abs(reread), std::numeric_limits<float>::max()) << text;
+    ASSERT_EQ(static_cast<float>(reread), value) << text;
+    ASSERT_LE(text.size(), static_cast<size_t>(end - wide)) << text;
   }
 }
 
