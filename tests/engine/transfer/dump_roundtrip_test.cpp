@@ -115,6 +115,10 @@ const std::vector<std::string> kEdges = {
     "SET sql_mode = 'PIPES_AS_CONCAT', time_zone = '+03:00'",
     "CREATE EVENT e_edges ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 10:00:00' DO UPDATE edges SET s = 'a' "
     "|| 'b'",
+    // Code typed in another character set comes back in its own bytes.
+    "SET NAMES latin1",
+    "CREATE FUNCTION f_latin() RETURNS VARCHAR(5) CHARSET utf8mb4 DETERMINISTIC RETURN '\xE9'",
+    "SET NAMES utf8mb4",
 };
 
 // What the server holds, read on a session of its own: every column of every row, FLOAT and
@@ -204,6 +208,7 @@ TEST(DumpRoundTrip, RestoresIntoAnotherDatabaseWhateverTheSessionsSqlMode) {
   EXPECT_EQ(column(*restore, "SELECT id FROM v_smaller ORDER BY id"),
             (std::vector<std::string>{"2", "5", "6"}));
   EXPECT_EQ(test::scalar(*restore, "SELECT f_path()"), "C:\\tmp");
+  EXPECT_EQ(test::scalar(*restore, "SELECT HEX(f_latin())"), "C3A9");
   TMyQuery strict(*restore);
   strict.SQL = "CALL p_strict('abc')";
   EXPECT_THROW(strict.Execute(), ServerError) << "strict: a text is no FLOAT";
