@@ -167,11 +167,26 @@ void TMyDumpProcessor::backupQuery(const std::string& sql) {
   }
   if (!oneTable) throw DumpError("Query must contain one table");
   if (!names.empty()) table = names.front();
+  // FLOAT columns: the rows are read again through the query, widened to DOUBLE.
+  std::vector<bool> floatColumns;
+  std::string selectList;
+  for (const auto& field : query.Fields()) {
+    floatColumns.push_back(field.Type == TMyFieldType::Float);
+    selectList += (selectList.empty() ? "" : ", ") + ScriptName(field.Name, true) +
+                  (floatColumns.back() ? " * 1e0" : "");
+  }
+  if (std::find(floatColumns.begin(), floatColumns.end(), true) != floatColumns.end()) {
+    query.Close();
+    const std::string inner = sql.substr(0, sql.find_last_not_of(" \t\r\n;") + 1);
+    // The line break ends a trailing "--" comment of the user's query.
+    query.SQL = "SELECT " + selectList + " FROM (" + inner + "\n) AS lomarin_rows";
+    query.Open();
+  }
   objectCount_ = 1;
   nextObject(table);
   writeHeader();
   openScript(true);
-  writeRows(catalog_.name(table), query, columns, false, {}, 0);
+  writeRows(catalog_.name(table), query, columns, false, floatColumns, 0);
   closeScript();
   progress(table, 100);
 }

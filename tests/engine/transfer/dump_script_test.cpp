@@ -281,5 +281,22 @@ TEST(DumpScript, BackupQueryWritesTheSelectedRows) {
   EXPECT_EQ(f.dump.Text(), DumpFixture::opening(true) + DumpFixture::closing(true));
 }
 
+TEST(DumpScript, BackupQueryKeepsEveryFloatDigit) {
+  DumpFixture f("dump_query_float",
+                {"CREATE TABLE m (id INT NOT NULL PRIMARY KEY, f FLOAT NULL, b VARBINARY(3) NULL)",
+                 "INSERT INTO m VALUES (1, 1234567, X'00FF'), (2, NULL, NULL), (3, 0.1, 'a')"});
+  f.dump.Options = TMyDumpOptions{};
+  f.dump.Options.GenerateHeader = false;
+  f.dump.Options.AddLock = false;
+  f.dump.Options.UseExtSyntax = false;
+  f.dump.Options.HexBlob = true;
+  f.dump.Objects = TMyDumpObject::doData;
+  f.dump.BackupQuery("SELECT * FROM m WHERE id <> 2 ORDER BY id -- the user's note;\n");
+  EXPECT_EQ(f.dump.Text(), DumpFixture::opening(true) +
+                               "INSERT INTO m VALUES (1, 1234567, 0x00FF);\r\n"
+                               "INSERT INTO m VALUES (3, 0.1, 0x61);\r\n\r\n" +
+                               DumpFixture::closing(true));
+}
+
 }  // namespace
 }  // namespace lomarin
