@@ -58,16 +58,18 @@ MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string&
   if (!m) throw ServerError(CR_OUT_OF_MEMORY, "HY000", "MySQL client ran out of memory");
 
   const bool ssl = s.UseSSL || s.Protocol == TMyProtocol::SSL;
-  const bool useSocket = s.Protocol == TMyProtocol::Socket ||
-                         (s.Protocol == TMyProtocol::Default && !s.SocketPath.empty() &&
-                          (s.Server.empty() || s.Server == "localhost"));
+  const bool tunnel = s.TunnelPort != 0;
+  const bool useSocket = !tunnel && (s.Protocol == TMyProtocol::Socket ||
+                                     (s.Protocol == TMyProtocol::Default && !s.SocketPath.empty() &&
+                                      (s.Server.empty() || s.Server == "localhost")));
   switch (s.Protocol) {
     case TMyProtocol::Default:
     case TMyProtocol::TCP:
     case TMyProtocol::Socket:
     case TMyProtocol::SSL: {
       unsigned protocol = useSocket ? MYSQL_PROTOCOL_SOCKET : MYSQL_PROTOCOL_TCP;
-      if (s.Protocol != TMyProtocol::Default || useSocket) mysql_optionsv(m, MYSQL_OPT_PROTOCOL, &protocol);
+      if (s.Protocol != TMyProtocol::Default || useSocket || tunnel)
+        mysql_optionsv(m, MYSQL_OPT_PROTOCOL, &protocol);
       break;
     }
     case TMyProtocol::Pipe:
@@ -96,11 +98,12 @@ MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string&
   unsigned localInfile = 0;
   mysql_optionsv(m, MYSQL_OPT_LOCAL_INFILE, &localInfile);
 
-  const char* host = s.Server.empty() ? nullptr : s.Server.c_str();
-  const char* socket = s.SocketPath.empty() ? nullptr : s.SocketPath.c_str();
+  const char* host = tunnel ? "127.0.0.1" : s.Server.empty() ? nullptr : s.Server.c_str();
+  const char* socket = tunnel || s.SocketPath.empty() ? nullptr : s.SocketPath.c_str();
   const char* db = database.empty() ? nullptr : database.c_str();
-  if (!mysql_real_connect(m, host, s.Username.c_str(), s.Password.c_str(), db,
-                          static_cast<unsigned>(s.Port), socket, CLIENT_MULTI_RESULTS)) {
+  const int port = tunnel ? s.TunnelPort : s.Port;
+  if (!mysql_real_connect(m, host, s.Username.c_str(), s.Password.c_str(), db, static_cast<unsigned>(port),
+                          socket, CLIENT_MULTI_RESULTS)) {
     ServerError error = errorOf(m);
     mysql_close(m);
     throw error;

@@ -33,6 +33,9 @@ struct TMySessionSettings {
   TMySSLOptions SSL;
   // Unix socket path for Protocol Socket, or for "localhost" with Protocol Default.
   std::string SocketPath;
+  // While the session runs through an SSH tunnel: the loopback port it listens on. Server and
+  // Port still name the server (as the SSH server sees it); every connection goes to this port.
+  int TunnelPort = 0;
 };
 
 }  // namespace lomarin

@@ -1,0 +1,50 @@
+#include "engine/connect/ssh_account.h"
+
+#include <charconv>
+
+#include "engine/connect/my_connection.h"
+
+namespace lomarin {
+
+TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesystem::path& keyStoreFolder) {
+  TSshTunnelSettings s;
+  s.Host = account.SSHServer;
+  s.Port = account.SSHPort;
+  s.User = account.SSHLogin;
+  s.Timeout = account.Timeout;
+  s.Password = account.SSHPassword;
+  s.ClientKey = account.SSHClientKey;
+  s.TargetHost = account.Server;
+  const std::string& toPort = account.SSHToPort;
+  int port = 0;
+  const auto [end, error] = std::from_chars(toPort.data(), toPort.data() + toPort.size(), port);
+  const bool valid = error == std::errc() && end == toPort.data() + toPort.size() && port > 0 && port < 65536;
+  s.TargetPort = valid ? port : account.Port;
+  s.KeyStoreFolder = keyStoreFolder;
+  return s;
+}
+
+void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                                 const std::filesystem::path& keyStoreFolder) {
+  session.Settings.TunnelPort = 0;
+  if (!account.UseSSH) {
+    tunnel.Close();
+    session.Connect();
+    return;
+  }
+  tunnel.Open(tunnelSettingsOf(account, keyStoreFolder));
+  session.Settings.TunnelPort = tunnel.LocalPort();
+  try {
+    session.Connect();
+  } catch (...) {
+    tunnel.Close();
+    session.Settings.TunnelPort = 0;
+    throw;
+  }
+  if (!session.Connected()) {
+    tunnel.Close();
+    session.Settings.TunnelPort = 0;
+  }
+}
+
+}  // namespace lomarin

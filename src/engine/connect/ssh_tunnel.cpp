@@ -1,0 +1,140 @@
+#include "engine/connect/ssh_tunnel.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <mutex>
+#include <thread>
+
+#include "engine/connect/ssh_error.h"
+#include "engine/connect/ssh_forwarder.h"
+#include "engine/connect/ssh_login.h"
+
+namespace lomarin {
+
+namespace {
+
+// Returns the listening socket and its port.
+std::pair<int, int> listenOnLoopback() {
+  const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+      ::listen(fd, SOMAXCONN) != 0 ||
+      ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+    const std::string reason = std::strerror(errno);
+    if (fd >= 0) ::close(fd);
+    throw TSshError("The tunnel can not listen on a loopback port: " + reason);
+  }
+  return {fd, ntohs(address.sin_port)};
+}
+
+}  // namespace
+
+struct TSshTunnel::Impl {
+  TSshTunnelSettings settings;
+  // Used by the forwarding thread only while it runs.
+  std::unique_ptr<TSshForwarder> forwarder;
+  int listenFd = -1;
+  int wakeFd = -1;
+  std::atomic<int> port{0};
+  std::thread thread;
+  mutable std::mutex mutex;
+  std::string lastError;
+
+  void run();
+  void forward(int fd);
+  void noteError(const std::string& text) {
+    const std::lock_guard lock(mutex);
+    lastError = text;
+  }
+};
+
+void TSshTunnel::Impl::run() {
+  for (;;) {
+    std::array<pollfd, 2> extra{pollfd{wakeFd, POLLIN, 0}, pollfd{listenFd, POLLIN, 0}};
+    if (forwarder)
+      forwarder->step(extra);
+    else
+      ::poll(extra.data(), extra.size(), -1);
+    if (extra[0].revents) return;
+    if (!(extra[1].revents & POLLIN)) continue;
+    for (int fd; (fd = ::accept4(listenFd, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC)) >= 0;)
+      forward(fd);
+  }
+}
+
+void TSshTunnel::Impl::forward(int fd) {
+  const int on = 1;
+  ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  // A dropped SSH connection is often noticed only now, when a channel can not be opened on it.
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    if (!forwarder || !forwarder->connected()) {
+      forwarder.reset();
+      try {
+        forwarder = std::make_unique<TSshForwarder>(OpenSshSession(settings));
+      } catch (const TSshError& error) {
+        noteError(error.what());
+        break;
+      }
+    }
+    const std::string reason = forwarder->open(fd, settings.TargetHost, settings.TargetPort);
+    if (reason.empty()) return;
+    noteError("The SSH server did not forward to " + settings.TargetHost + ":" +
+              std::to_string(settings.TargetPort) + ": " + reason);
+    if (forwarder->connected()) break;
+  }
+  ::close(fd);
+}
+
+TSshTunnel::TSshTunnel() : d(std::make_unique<Impl>()) {}
+
+TSshTunnel::~TSshTunnel() { Close(); }
+
+void TSshTunnel::Open(const TSshTunnelSettings& settings) {
+  Close();
+  auto forwarder = std::make_unique<TSshForwarder>(OpenSshSession(settings));
+  const auto [listenFd, port] = listenOnLoopback();
+  d->wakeFd = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  d->settings = settings;
+  d->forwarder = std::move(forwarder);
+  d->listenFd = listenFd;
+  d->lastError.clear();
+  d->port = port;
+  d->thread = std::thread([impl = d.get()] { impl->run(); });
+}
+
+void TSshTunnel::Close() {
+  if (d->thread.joinable()) {
+    const uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = ::write(d->wakeFd, &one, sizeof one);
+    d->thread.join();
+  }
+  d->forwarder.reset();
+  for (int* fd : {&d->listenFd, &d->wakeFd}) {
+    if (*fd >= 0) ::close(*fd);
+    *fd = -1;
+  }
+  d->port = 0;
+}
+
+bool TSshTunnel::IsOpen() const { return d->port != 0; }
+
+int TSshTunnel::LocalPort() const { return d->port; }
+
+std::string TSshTunnel::LastError() const {
+  const std::lock_guard lock(d->mutex);
+  return d->lastError;
+}
+
+}  // namespace lomarin

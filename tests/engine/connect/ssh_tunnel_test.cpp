@@ -1,0 +1,245 @@
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <future>
+#include <sstream>
+
+#include "engine/connect/accounts_session.h"
+#include "engine/connect/kill_query.h"
+#include "engine/connect/lost_connection.h"
+#include "engine/connect/my_connection.h"
+#include "engine/connect/my_query.h"
+#include "engine/connect/ssh_account.h"
+#include "engine/connect/ssh_error.h"
+#include "engine/connect/ssh_key_store.h"
+#include "engine/connect/ssh_login.h"
+#include "ssh_password_server.h"
+#include "test_server.h"
+#include "test_ssh_server.h"
+
+namespace lomarin {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string readFile(const fs::path& file) {
+  std::ifstream in(file);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+bool listening(int port) {
+  const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const bool connected = ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+  ::close(fd);
+  return connected;
+}
+
+// A key store with a client key the SSH server lets in, and an account that uses it.
+class SshTunnelTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    store.newClientKey("tests", TSshKeyType::Ed25519);
+    test::authorizeKey(store.publicLine("tests"));
+    account.SSHClientKey = "tests";
+  }
+
+  void connect(TMyConnection& session) {
+    applyAccountToSession(account, session.Settings);
+    ConnectThroughAccountTunnel(session, tunnel, account, folder.path());
+  }
+
+  std::string hostName() const { return KnownHostName(account.SSHServer, account.SSHPort); }
+
+  test::TempFolder folder;
+  TSshKeyStore store{folder.path()};
+  TAccount account = test::sshAccount();
+  TSshTunnel tunnel;
+};
+
+TEST_F(SshTunnelTest, QueriesReachTheServerAndTheFirstConnectStoresTheHostKey) {
+  TMyConnection session;
+  connect(session);
+  ASSERT_TRUE(tunnel.IsOpen());
+  EXPECT_EQ(session.Settings.TunnelPort, tunnel.LocalPort());
+  EXPECT_EQ(test::scalar(session, "SELECT @@port"), std::to_string(test::serverSettings().Port));
+  EXPECT_EQ(test::scalar(session, "SELECT COUNT(*) > 0 FROM lomarin_demo.customers"), "1");
+
+  const std::string known = readFile(store.knownHostsFile());
+  EXPECT_EQ(known.rfind(hostName() + " ssh-ed25519 AAAA", 0), 0u) << known;
+  EXPECT_EQ(std::count(known.begin(), known.end(), '\n'), 1);
+
+  session.Disconnect();
+  tunnel.Close();
+  EXPECT_FALSE(tunnel.IsOpen());
+  connect(session);
+  EXPECT_EQ(test::scalar(session, "SELECT 1"), "1");
+  EXPECT_EQ(readFile(store.knownHostsFile()), known);
+}
+
+TEST_F(SshTunnelTest, AChangedHostKeyIsRefusedNamingBothFingerprintsAndNothingIsStored) {
+  // What the store would hold had the server's key been another before.
+  TSshKeyStore other(folder.path() / "other");
+  other.newClientKey("old host key", TSshKeyType::Ed25519);
+  const std::string oldLine = other.publicLine("old host key");
+  store.addKnownHost(hostName() + " " + oldLine.substr(0, oldLine.rfind(' ')));
+  const std::string known = readFile(store.knownHostsFile());
+
+  TMyConnection session;
+  try {
+    connect(session);
+    FAIL() << "connected with a changed host key";
+  } catch (const TSshError& error) {
+    const std::string message = error.what();
+    EXPECT_NE(message.find("The SSH server " + hostName() + " offered a host key that differs"),
+              std::string::npos)
+        << message;
+    EXPECT_NE(message.find("Stored key:  " + other.fingerprint("old host key")), std::string::npos)
+        << message;
+    EXPECT_NE(message.find("Offered key: " + test::sshHostKeyFingerprint()), std::string::npos) << message;
+  }
+  EXPECT_FALSE(tunnel.IsOpen());
+  EXPECT_FALSE(session.Connected());
+  EXPECT_EQ(readFile(store.knownHostsFile()), known);
+}
+
+TEST_F(SshTunnelTest, AKeyNameTheStoreDoesNotHoldFailsBeforeConnecting) {
+  account.SSHClientKey = "gone";
+  TMyConnection session;
+  try {
+    connect(session);
+    FAIL() << "connected without the key";
+  } catch (const TSshError& error) {
+    EXPECT_STREQ(error.what(), "Private key can not be empty");
+  }
+  EXPECT_FALSE(fs::exists(store.knownHostsFile()));
+}
+
+TEST_F(SshTunnelTest, AnImportedPassphraseProtectedKeyLogsIn) {
+  const fs::path file = folder.path() / "id_ed25519";
+  ASSERT_EQ(std::system(("ssh-keygen -q -t ed25519 -N pass -f '" + file.string() + "'").c_str()), 0);
+  ASSERT_TRUE(store.importClientKey("imported", file, [] { return std::optional<std::string>("pass"); }));
+  test::authorizeKey(readFile(file.string() + ".pub"));
+  account.SSHClientKey = "imported";
+  TMyConnection session;
+  connect(session);
+  EXPECT_EQ(test::scalar(session, "SELECT COUNT(*) > 0 FROM lomarin_demo.customers"), "1");
+}
+
+TEST_F(SshTunnelTest, AFailedMySqlLoginClosesTheTunnel) {
+  account.Password = "not the password";
+  TMyConnection session;
+  EXPECT_THROW(connect(session), ServerError);
+  EXPECT_FALSE(tunnel.IsOpen());
+  EXPECT_EQ(session.Settings.TunnelPort, 0);
+  // The SSH login itself worked: the host key was stored.
+  EXPECT_TRUE(fs::exists(store.knownHostsFile()));
+
+  account.Password = test::serverSettings().Password;
+  connect(session);
+  const int port = tunnel.LocalPort();
+  ASSERT_TRUE(listening(port));
+  account.Password = "not the password";
+  EXPECT_THROW(connect(session), ServerError);
+  EXPECT_FALSE(listening(port));
+}
+
+TEST(SshPasswordLogin, AWrongPasswordIsRefusedAndTheRightOneCarriesQueries) {
+  test::PasswordSshServer server("tester", "s3cret pass");
+  test::TempFolder folder;
+  TSshTunnel tunnel;
+  TMyConnection session;
+  TAccount account = test::sshAccount();
+  account.SSHPort = server.port();
+  account.SSHLogin = "tester";
+  account.SSHPassword = "guess";
+  applyAccountToSession(account, session.Settings);
+  try {
+    ConnectThroughAccountTunnel(session, tunnel, account, folder.path());
+    FAIL() << "logged in with a wrong password";
+  } catch (const TSshError& error) {
+    EXPECT_EQ(std::string(error.what()), "The SSH server " + KnownHostName("127.0.0.1", server.port()) +
+                                             " refused the password of the user \"tester\"");
+  }
+  EXPECT_FALSE(tunnel.IsOpen());
+
+  account.SSHPassword = "s3cret pass";
+  ConnectThroughAccountTunnel(session, tunnel, account, folder.path());
+  EXPECT_EQ(test::scalar(session, "SELECT COUNT(*) > 0 FROM lomarin_demo.customers"), "1");
+  session.Disconnect();
+  tunnel.Close();
+}
+
+// The session's lost-connection rule: reconnect and execute again, silently.
+class SshReconnectTest : public SshTunnelTest {
+ protected:
+  void SetUp() override {
+    SshTunnelTest::SetUp();
+    session.Events.OnConnectionLost = [this] { return lost.onConnectionLost(); };
+    connect(session);
+  }
+  TLostConnectionHandler lost{[] { return false; }};
+  TMyConnection session;
+};
+
+TEST_F(SshReconnectTest, AKilledServerConnectionReconnectsThroughTheTunnel) {
+  const std::string before = test::scalar(session, "SELECT CONNECTION_ID()");
+  test::sideExec("KILL " + before);
+  const std::string after = test::scalar(session, "SELECT CONNECTION_ID()");
+  EXPECT_NE(after, before);
+  EXPECT_EQ(lost.retryCount(), 1);
+  EXPECT_EQ(test::scalar(session, "SELECT @@port"), std::to_string(test::serverSettings().Port));
+}
+
+TEST_F(SshReconnectTest, AKilledSshConnectionComesBackWithTheSession) {
+  const int port = tunnel.LocalPort();
+  const std::string before = test::scalar(session, "SELECT CONNECTION_ID()");
+  ASSERT_GT(test::killSshConnections(), 0);
+  const std::string after = test::scalar(session, "SELECT CONNECTION_ID()");
+  EXPECT_NE(after, before);
+  EXPECT_TRUE(tunnel.IsOpen());
+  EXPECT_EQ(tunnel.LocalPort(), port);
+  EXPECT_EQ(tunnel.LastError(), "");
+  EXPECT_EQ(test::scalar(session, "SELECT COUNT(*) > 0 FROM lomarin_demo.customers"), "1");
+}
+
+TEST_F(SshReconnectTest, KillQueryGoesThroughTheTunnelAndStopsASleepQuickly) {
+  const unsigned long threadId = session.ThreadId();
+  auto sleeping = std::async(std::launch::async, [this] {
+    try {
+      TMyQuery query(session);
+      query.SQL = "SELECT SLEEP(30)";
+      query.Open();
+      query.Next();
+      return std::string(query.Value(0));
+    } catch (const ServerError& error) {
+      return std::to_string(error.number());
+    }
+  });
+  // Wait until the statement runs on the server, then stop it.
+  while (test::scalar(*test::connect(), "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID = " +
+                                            std::to_string(threadId) + " AND INFO LIKE 'SELECT SLEEP%'") !=
+         "1") {
+  }
+  const auto start = std::chrono::steady_clock::now();
+  KillQuery(session.Settings, threadId);
+  ASSERT_EQ(sleeping.wait_for(std::chrono::seconds(1)), std::future_status::ready);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  // An interrupted SLEEP answers 1, or the server reports the interruption (1317).
+  const std::string outcome = sleeping.get();
+  EXPECT_TRUE(outcome == "1" || outcome == "1317") << outcome;
+  EXPECT_EQ(test::scalar(session, "SELECT 2"), "2");
+}
+
+}  // namespace
+}  // namespace lomarin
