@@ -270,7 +270,6 @@ void TMyDumpProcessor::writeUsers() {
 }
 
 void TMyDumpProcessor::codeModes(const TDumpCatalog::CodeModes& modes) {
-  if (modes.sqlMode.empty() && modes.charsetClient.empty()) return;
   const bool zone = !modes.timeZone.empty();
   line(std::string("/*!50003 SET @OLD_CODE_SQL_MODE=@@SQL_MODE, "
                    "@OLD_CODE_CHARACTER_SET_CLIENT=@@CHARACTER_SET_CLIENT, "
@@ -284,7 +283,6 @@ void TMyDumpProcessor::codeModes(const TDumpCatalog::CodeModes& modes) {
 }
 
 void TMyDumpProcessor::scriptModes(const TDumpCatalog::CodeModes& modes) {
-  if (modes.sqlMode.empty() && modes.charsetClient.empty()) return;
   line(std::string(
            "/*!50003 SET SQL_MODE=@OLD_CODE_SQL_MODE, CHARACTER_SET_CLIENT=@OLD_CODE_CHARACTER_SET_CLIENT, "
            "COLLATION_CONNECTION=@OLD_CODE_COLLATION_CONNECTION") +
