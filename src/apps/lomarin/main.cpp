@@ -1,10 +1,12 @@
 #include "ui/app/startup.h"
 #include "ui/dataview/dataview_commands.h"
+#include "ui/designers/designers_commands.h"
 #include "ui/sqleditor/sqleditor_commands.h"
 #include "ui/transfer/transfer_commands.h"
 
 int main(int argc, char** argv) {
-  return lomarin::ui::runLomarin(argc, argv,
-                                 {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
-                                  lomarin::ui::installSqlEditorCommands});
+  return lomarin::ui::runLomarin(
+      argc, argv,
+      {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
+       lomarin::ui::installSqlEditorCommands, lomarin::ui::installDesignersCommands});
 }

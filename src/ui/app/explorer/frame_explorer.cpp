@@ -193,6 +193,32 @@ void TframeExplorer::refresh() {
   }
 }
 
+TframeExplorer::Selection TframeExplorer::selection() const {
+  const auto* item = tree_->currentItem();
+  if (!item) return {};
+  const int level = levelOf(item);
+  Selection selection{ex::kindOf(level, imageOf(item), textOf(item), textOf(item->parent())),
+                      databaseOf(item), {}, item->text(0)};
+  const QTreeWidgetItem* table = item;
+  for (int up = level; up > 3; --up) table = table->parent();
+  if (level >= 3 && imageOf(table) == ex::image::Table) selection.table = table->text(0);
+  return selection;
+}
+
+void TframeExplorer::refreshDatabase(const QString& database) {
+  auto* root = tree_->topLevelItem(0);
+  for (int i = 0; root && !database.isEmpty() && i < root->childCount(); ++i) {
+    auto* node = root->child(i);
+    const int img = imageOf(node);
+    if (node->text(0) != database || (img != ex::image::Database && img != ex::image::CurrentDatabase)) continue;
+    removeChildren(node);
+    addDatabaseFolders(node);
+    node->setExpanded(true);
+    return;
+  }
+  buildRoot();
+}
+
 void TframeExplorer::markCurrentDatabase(const QString& database) {
   auto* root = tree_->topLevelItem(0);
   if (!root) return;
@@ -221,6 +247,11 @@ void TframeExplorer::onItemDoubleClicked(QTreeWidgetItem* item) {
     case ex::NodeKind::Event:
     case ex::NodeKind::Udf: emit objectActivated(kind, databaseOf(item), item->text(0)); break;
     case ex::NodeKind::User: emit objectActivated(kind, QString(), item->text(0)); break;
+    case ex::NodeKind::PrimaryKeyColumn:
+    case ex::NodeKind::MultipleKeyColumn:
+    case ex::NodeKind::PlainColumn:
+      emit columnActivated(databaseOf(item), item->parent()->parent()->text(0), item->text(0));
+      break;
     default: break;
   }
 }

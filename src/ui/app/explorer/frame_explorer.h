@@ -40,6 +40,18 @@ class TframeExplorer : public QWidget {
   // Shows which database the session is in now.
   void markCurrentDatabase(const QString& database);
 
+  // The current node: its kind, its database, the table it is or belongs to, and its own text.
+  struct Selection {
+    explorer::NodeKind kind = explorer::NodeKind::Unknown;
+    QString database;
+    QString table;
+    QString name;
+  };
+  Selection selection() const;
+  // After a dialog changed what a database holds: its folders are fetched anew, or, for an empty
+  // name or a database the tree does not show yet, the whole tree is rebuilt.
+  void refreshDatabase(const QString& database);
+
   QTreeWidget* tree() const { return tree_; }
   QLineEdit* filterBox() const { return filter_; }
 
@@ -47,6 +59,8 @@ class TframeExplorer : public QWidget {
   void databaseActivated(const QString& database);
   // A double-click on an object: database is empty for users.
   void objectActivated(lomarin::explorer::NodeKind kind, const QString& database, const QString& name);
+  // A double-click on a column of a table's "Columns" folder.
+  void columnActivated(const QString& database, const QString& table, const QString& column);
 
  private:
   QTreeWidgetItem* addNode(QTreeWidgetItem* parent, const std::string& text, int imageIndex, int tag);
