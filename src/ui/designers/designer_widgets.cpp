@@ -31,9 +31,10 @@ QStringList readColumn(TMyConnection& session, const std::string& sql, std::stri
   try {
     const explorer::ResultTable result = ReadResultTable(session, sql);
     for (size_t c = 0; c < result.columns.size(); ++c) {
-      if (result.columns[c].size() != column.size() ||
-          strncasecmp(result.columns[c].c_str(), column.data(), column.size()) != 0)
-        continue;
+      const bool wanted =
+          column.empty() || (result.columns[c].size() == column.size() &&
+                             strncasecmp(result.columns[c].c_str(), column.data(), column.size()) == 0);
+      if (!wanted) continue;
       for (const auto& row : result.rows) values << QString::fromStdString(row[c]);
       break;
     }

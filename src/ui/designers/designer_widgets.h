@@ -19,8 +19,8 @@ class TMyConnection;
 
 namespace lomarin::ui {
 
-// One column of a statement's result. When the server refuses the statement the list is empty:
-// the session's error handling has shown why.
+// One column of a statement's result, the first for an empty name. When the server refuses the
+// statement the list is empty: the session's error handling has shown why.
 QStringList readColumn(TMyConnection& session, const std::string& sql, std::string_view column);
 
 // The fields a column editor's type choice governs.

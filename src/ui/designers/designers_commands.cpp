@@ -1,10 +1,15 @@
 #include "ui/designers/designers_commands.h"
 
+#include <optional>
+
 #include "engine/dataview/browse_sql.h"
 #include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/designers/form_alter_table.h"
+#include "ui/designers/form_clone_object.h"
+#include "ui/designers/form_databases.h"
+#include "ui/designers/form_rename_table.h"
 #include "ui/designers/form_table.h"
 
 namespace lomarin::ui {
@@ -23,6 +28,26 @@ QString tableName(Tformppal& window, const QString& database, const QString& tab
                                                           window.MySqlSession.CurrentDatabase()));
 }
 
+ErrorReporter reporter(Tformppal& window) {
+  return [&window](const QString& message) { window.ShowServerError(message); };
+}
+
+// The table the tree's current node is or belongs to; reports and gives nothing when there is none.
+std::optional<TframeExplorer::Selection> selectedTable(Tformppal& window) {
+  TframeExplorer::Selection selection = window.explorer()->selection();
+  if (!selection.table.isEmpty()) return selection;
+  window.ShowServerError(QObject::tr("Select a table in the object tree."));
+  return std::nullopt;
+}
+
+void cloneTable(Tformppal& window) {
+  const auto selection = selectedTable(window);
+  if (!selection) return;
+  TfrmCloneObject dialog(window.MySqlSession, selection->database, selection->table, reporter(window),
+                         &window);
+  if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(dialog.targetDatabase());
+}
+
 void alterColumn(Tformppal& window, const QString& database, const QString& table, const QString& column) {
   TfrmAlterTable dialog(window.MySqlSession, tableName(window, database, table), column, &window);
   if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(database);
@@ -38,12 +63,24 @@ void installDesignersCommands(Tformppal& window) {
     if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(dialog.database());
   });
   actions.setHandler("actNewCclumn", [&window] {
-    const TframeExplorer::Selection selection = window.explorer()->selection();
-    if (selection.table.isEmpty()) {
-      window.ShowServerError(QObject::tr("Select a table in the object tree."));
-      return;
-    }
-    alterColumn(window, selection.database, selection.table, {});
+    if (const auto selection = selectedTable(window))
+      alterColumn(window, selection->database, selection->table, {});
+  });
+  actions.setHandler("actRename", [&window] {
+    const auto selection = selectedTable(window);
+    if (!selection) return;
+    TfrmRenameTable dialog(window.MySqlSession, selection->database, selection->table, &window);
+    if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(selection->database);
+  });
+  actions.setHandler("actCloneObject", [&window] { cloneTable(window); });
+  actions.setHandler("actCloneObj", [&window] { cloneTable(window); });
+  actions.setHandler("actAddDatabase", [&window] {
+    TformNewDataBase dialog(window.MySqlSession, reporter(window), &window);
+    if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase({});
+  });
+  actions.setHandler("actDropDatabase", [&window] {
+    TformDropDatabase dialog(window.MySqlSession, window.settings(), reporter(window), &window);
+    if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase({});
   });
   QObject::connect(window.explorer(), &TframeExplorer::columnActivated, &window,
                    [&window](const QString& database, const QString& table, const QString& column) {
