@@ -84,18 +84,20 @@ TRowWriter RowWriterFor(TMyConnection& session, const std::vector<TMyField>& fie
 }
 
 void TRowPoster::Update(const TRecord& before, const TRecord& after) {
-  const std::string sql = writer_.UpdateSQL(before, after);
-  if (sql.empty()) return;
-  const uint64_t affected = execute(session_, sql);
-  // Without CLIENT_FOUND_ROWS a row set to what it held already counts as 0: ask whether it exists.
-  if (affected == 0) {
-    TMyQuery count(session_);
-    count.SQL = writer_.CountSQL(before);
-    count.Open();
-    count.Next();
-    if (count.Value(0) == "1") return;
+  for (size_t alias = 0; alias < std::max<size_t>(writer_.AliasCount(), 1); ++alias) {
+    const std::string sql = writer_.UpdateSQL(before, after, alias);
+    if (sql.empty()) continue;
+    const uint64_t affected = execute(session_, sql);
+    // Without CLIENT_FOUND_ROWS a row set to what it held already counts as 0: ask whether it exists.
+    if (affected == 0) {
+      TMyQuery count(session_);
+      count.SQL = writer_.CountSQL(before, alias);
+      count.Open();
+      count.Next();
+      if (count.Value(0) == "1") continue;
+    }
+    requireOne(affected, "UPDATE");
   }
-  requireOne(affected, "UPDATE");
 }
 
 uint64_t TRowPoster::Insert(const TRecord& values, const std::vector<bool>& given) {

@@ -32,6 +32,7 @@ class TRowPoster {
  public:
   TRowPoster(TMyConnection& session, const TRowWriter& writer) : session_(session), writer_(writer) {}
 
+  // One UPDATE per alias of the table whose columns changed.
   void Update(const TRecord& before, const TRecord& after);
   // Returns the id the server generated, 0 when none.
   uint64_t Insert(const TRecord& values, const std::vector<bool>& given);

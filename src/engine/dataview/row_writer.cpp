@@ -55,48 +55,87 @@ TBaseTableRef BaseTableOf(const std::vector<TMyField>& fields) {
 TRowWriter::TRowWriter(std::vector<TMyField> fields, std::string readOnlyReason)
     : fields_(std::move(fields)),
       readOnlyReason_(std::move(readOnlyReason)),
-      writable_(fields_.size(), false) {}
+      rowsReason_(readOnlyReason_),
+      writable_(fields_.size(), false),
+      aliasOf_(fields_.size(), -1) {}
 
 TRowWriter::TRowWriter(std::vector<TMyField> fields, const TBaseTableInfo& table, Escaper escape)
     : fields_(std::move(fields)),
       database_(table.database),
       table_(table.table),
       writable_(fields_.size(), false),
+      aliasOf_(fields_.size(), -1),
       escape_(std::move(escape)) {
-  auto fieldOf = [&](std::string_view column) -> std::optional<size_t> {
-    for (size_t i = 0; i < fields_.size(); ++i)
-      if (fields_[i].OrgTable == table_ && sameName(fields_[i].OrgName, column)) return i;
-    return std::nullopt;
-  };
-  auto columnInfo = [&](std::string_view column) -> const TBaseTableInfo::Column* {
-    for (const auto& c : table.columns)
-      if (sameName(c.name, column)) return &c;
-    return nullptr;
-  };
   for (size_t i = 0; i < fields_.size(); ++i) {
-    const TBaseTableInfo::Column* info =
-        fields_[i].OrgTable == table_ ? columnInfo(fields_[i].OrgName) : nullptr;
-    writable_[i] = info && !info->generated;
+    if (fields_[i].OrgTable != table_) continue;
+    auto alias = std::find_if(aliases_.begin(), aliases_.end(),
+                              [&](const Alias& a) { return a.name == fields_[i].Table; });
+    if (alias == aliases_.end()) alias = aliases_.insert(aliases_.end(), Alias{fields_[i].Table, {}});
+    aliasOf_[i] = static_cast<int>(alias - aliases_.begin());
   }
-  for (const TBaseTableInfo::Key& key : table.uniqueKeys) {
-    const bool usable = std::all_of(key.columns.begin(), key.columns.end(), [&](const std::string& c) {
-      const TBaseTableInfo::Column* info = columnInfo(c);
-      return fieldOf(c) && (key.primary || (info && info->notNull));
-    });
-    if (!usable || key.columns.empty()) continue;
-    for (const std::string& c : key.columns) keyColumns_.push_back(*fieldOf(c));
+  chooseKeys(table);
+  for (size_t i = 0; i < fields_.size(); ++i) {
+    if (aliasOf_[i] < 0 || aliases_[static_cast<size_t>(aliasOf_[i])].keyColumns.empty()) continue;
+    const auto info = std::find_if(table.columns.begin(), table.columns.end(),
+                                   [&](const auto& c) { return sameName(c.name, fields_[i].OrgName); });
+    writable_[i] = info != table.columns.end() && !info->generated;
+    editable_ = editable_ || writable_[i];
+  }
+  const bool anyKey =
+      std::any_of(aliases_.begin(), aliases_.end(), [](const Alias& a) { return !a.keyColumns.empty(); });
+  if (!anyKey) {
+    readOnlyReason_ = "Read-only: " + BackQuote(table_) +
+                      " has no primary key or unique key over NOT NULL columns in this result";
+    rowsReason_ = readOnlyReason_;
     return;
   }
-  readOnlyReason_ = "Read-only: " + BackQuote(table_) +
-                    " has no primary key or unique key over NOT NULL columns in this result";
+  for (size_t i = 0; i < fields_.size(); ++i)
+    if (aliasOf_[i] >= 0 && aliases_[static_cast<size_t>(aliasOf_[i])].keyColumns.empty())
+      readOnlyReason_ += (readOnlyReason_.empty() ? "" : "; ") + ColumnReadOnlyReason(i);
+  if (aliases_.size() > 1)
+    rowsReason_ = "Rows cannot be added or deleted: " + BackQuote(table_) + " appears under several aliases";
 }
 
-bool TRowWriter::Writable(size_t column) const {
-  return Editable() && column < writable_.size() && writable_[column];
+void TRowWriter::chooseKeys(const TBaseTableInfo& table) {
+  auto notNull = [&](std::string_view column) {
+    return std::any_of(table.columns.begin(), table.columns.end(),
+                       [&](const auto& c) { return sameName(c.name, column) && c.notNull; });
+  };
+  for (size_t a = 0; a < aliases_.size(); ++a) {
+    auto fieldOf = [&](std::string_view column) -> std::optional<size_t> {
+      for (size_t i = 0; i < fields_.size(); ++i)
+        if (aliasOf_[i] == static_cast<int>(a) && sameName(fields_[i].OrgName, column)) return i;
+      return std::nullopt;
+    };
+    for (const TBaseTableInfo::Key& key : table.uniqueKeys) {
+      const bool usable = !key.columns.empty() &&
+                          std::all_of(key.columns.begin(), key.columns.end(), [&](const std::string& c) {
+                            return fieldOf(c) && (key.primary || notNull(c));
+                          });
+      if (!usable) continue;
+      for (const std::string& c : key.columns) aliases_[a].keyColumns.push_back(*fieldOf(c));
+      break;
+    }
+  }
 }
 
-void TRowWriter::requireEditable() const {
-  if (!Editable()) throw std::logic_error(readOnlyReason_);
+bool TRowWriter::Writable(size_t column) const { return column < writable_.size() && writable_[column]; }
+
+std::string TRowWriter::ColumnReadOnlyReason(size_t column) const {
+  if (Writable(column)) return {};
+  if (!editable_) return readOnlyReason_;
+  const TMyField& field = fields_.at(column);
+  if (aliasOf_[column] < 0)
+    return "Read-only: " + BackQuote(field.Name) + " is no column of " + BackQuote(table_);
+  const Alias& alias = aliases_[static_cast<size_t>(aliasOf_[column])];
+  if (alias.keyColumns.empty())
+    return "Read-only: " + BackQuote(alias.name) + "." + BackQuote(field.Name) +
+           ": the result holds no key of " + BackQuote(table_) + " under the alias " + BackQuote(alias.name);
+  return "Read-only: " + BackQuote(field.Name) + " is a generated column";
+}
+
+void TRowWriter::requireRows() const {
+  if (!rowsReason_.empty()) throw std::logic_error(rowsReason_);
 }
 
 std::string TRowWriter::qualifiedTable() const { return BackQuote(database_) + "." + BackQuote(table_); }
@@ -114,10 +153,12 @@ std::string SqlLiteral(const TMyField& field, const TCellValue& value,
   return "'" + escape(value.bytes) + "'";
 }
 
-std::string TRowWriter::whereKey(const TRecord& before) const {
+std::string TRowWriter::whereKey(const TRecord& before, size_t alias) const {
+  const std::vector<size_t>& keyColumns = aliases_.at(alias).keyColumns;
+  if (keyColumns.empty()) throw std::logic_error(readOnlyReason_);
   std::string out = " WHERE ";
-  for (size_t i = 0; i < keyColumns_.size(); ++i) {
-    const size_t column = keyColumns_[i];
+  for (size_t i = 0; i < keyColumns.size(); ++i) {
+    const size_t column = keyColumns[i];
     if (before.at(column).null)
       throw std::invalid_argument("The key column " + BackQuote(fields_[column].OrgName) + " is NULL");
     if (i) out += " AND ";
@@ -126,19 +167,19 @@ std::string TRowWriter::whereKey(const TRecord& before) const {
   return out;
 }
 
-std::string TRowWriter::UpdateSQL(const TRecord& before, const TRecord& after) const {
-  requireEditable();
+std::string TRowWriter::UpdateSQL(const TRecord& before, const TRecord& after, size_t alias) const {
+  if (!editable_) throw std::logic_error(readOnlyReason_);
   std::string set;
   for (size_t i = 0; i < fields_.size(); ++i) {
-    if (!writable_[i] || before.at(i) == after.at(i)) continue;
+    if (!writable_[i] || aliasOf_[i] != static_cast<int>(alias) || before.at(i) == after.at(i)) continue;
     set += (set.empty() ? "" : ", ") + BackQuote(fields_[i].OrgName) + " = " + Literal(i, after[i]);
   }
   if (set.empty()) return {};
-  return "UPDATE " + qualifiedTable() + " SET " + set + whereKey(before);
+  return "UPDATE " + qualifiedTable() + " SET " + set + whereKey(before, alias);
 }
 
 std::string TRowWriter::InsertSQL(const TRecord& values, const std::vector<bool>& given) const {
-  requireEditable();
+  requireRows();
   std::string names;
   std::string literals;
   for (size_t i = 0; i < fields_.size(); ++i) {
@@ -151,13 +192,13 @@ std::string TRowWriter::InsertSQL(const TRecord& values, const std::vector<bool>
 }
 
 std::string TRowWriter::DeleteSQL(const TRecord& before) const {
-  requireEditable();
-  return "DELETE FROM " + qualifiedTable() + whereKey(before);
+  requireRows();
+  return "DELETE FROM " + qualifiedTable() + whereKey(before, 0);
 }
 
-std::string TRowWriter::CountSQL(const TRecord& before) const {
-  requireEditable();
-  return "SELECT COUNT(*) FROM " + qualifiedTable() + whereKey(before);
+std::string TRowWriter::CountSQL(const TRecord& before, size_t alias) const {
+  if (!editable_) throw std::logic_error(readOnlyReason_);
+  return "SELECT COUNT(*) FROM " + qualifiedTable() + whereKey(before, alias);
 }
 
 }  // namespace lomarin::dataview

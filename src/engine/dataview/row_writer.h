@@ -51,7 +51,9 @@ std::string SqlLiteral(const TMyField& field, const TCellValue& value,
 
 // Builds the statements that write grid rows back to their table, identifying a row by its
 // primary key, else by the first unique key over NOT NULL columns the result holds all of. A
-// result without one is read-only: an UPDATE that could touch several rows loses data.
+// result without one is read-only: an UPDATE that could touch several rows loses data. When the
+// table appears under several aliases (a self-join), each alias is a row of its own: a column is
+// written only through the key columns of its own alias, and rows are neither added nor deleted.
 class TRowWriter {
  public:
   using Escaper = std::function<std::string(std::string_view)>;
@@ -60,36 +62,51 @@ class TRowWriter {
   TRowWriter(std::vector<TMyField> fields, std::string readOnlyReason);
   TRowWriter(std::vector<TMyField> fields, const TBaseTableInfo& table, Escaper escape);
 
-  bool Editable() const { return readOnlyReason_.empty(); }
+  // Some column can be written.
+  bool Editable() const { return editable_; }
+  // Why the result, or some of its table's columns, cannot be written; empty when all can.
   const std::string& ReadOnlyReason() const { return readOnlyReason_; }
-  // Result columns that identify a row.
-  const std::vector<size_t>& KeyColumns() const { return keyColumns_; }
-  // The column maps to a stored (not generated) column of the table.
+  // Why rows cannot be added or deleted; empty when they can.
+  const std::string& RowsReadOnlyReason() const { return rowsReason_; }
+  // The column maps to a stored (not generated) column of the table, under an alias whose key
+  // columns the result holds.
   bool Writable(size_t column) const;
+  // Why the column cannot be written; empty when it can.
+  std::string ColumnReadOnlyReason(size_t column) const;
+  // The aliases the table is read under, in the order of the result's columns.
+  size_t AliasCount() const { return aliases_.size(); }
 
-  // Sets only the writable columns whose value changed; empty when none did.
-  std::string UpdateSQL(const TRecord& before, const TRecord& after) const;
+  // Sets only the writable columns of the alias whose value changed; empty when none did.
+  std::string UpdateSQL(const TRecord& before, const TRecord& after, size_t alias = 0) const;
   // Writes the writable columns marked in `given`; the table's defaults fill the rest.
   std::string InsertSQL(const TRecord& values, const std::vector<bool>& given) const;
   std::string DeleteSQL(const TRecord& before) const;
-  // Counts the rows the key of `before` matches.
-  std::string CountSQL(const TRecord& before) const;
+  // Counts the rows the key of the alias in `before` matches.
+  std::string CountSQL(const TRecord& before, size_t alias = 0) const;
 
   std::string Literal(size_t column, const TCellValue& value) const {
     return SqlLiteral(fields_.at(column), value, escape_);
   }
 
  private:
+  struct Alias {
+    std::string name;
+    std::vector<size_t> keyColumns;  // empty: the result lacks a key of this alias
+  };
   std::string qualifiedTable() const;
-  std::string whereKey(const TRecord& before) const;
-  void requireEditable() const;
+  std::string whereKey(const TRecord& before, size_t alias) const;
+  void requireRows() const;
+  void chooseKeys(const TBaseTableInfo& table);
 
   std::vector<TMyField> fields_;
+  bool editable_ = false;
   std::string readOnlyReason_;
+  std::string rowsReason_;
   std::string database_;
   std::string table_;
   std::vector<bool> writable_;
-  std::vector<size_t> keyColumns_;
+  std::vector<int> aliasOf_;  // per column; -1 when it is no column of the table
+  std::vector<Alias> aliases_;
   Escaper escape_;
 };
 

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "engine/app/shell_text.h"
+#include "ui/focus_return.h"
 
 namespace lomarin::ui {
 
@@ -59,6 +60,7 @@ QString TExceptionDialog::details() const { return memDetails_->toPlainText(); }
 void ShowServerError(QWidget* parent, const QString& text, const QString& details) {
   const QString shown = QString::fromStdString(trimErrorText(text.toStdString()));
   TExceptionDialog dialog(shown, details, parent);
+  TFocusReturn focus;
   dialog.exec();
 }
 

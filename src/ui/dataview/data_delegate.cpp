@@ -10,6 +10,9 @@ namespace lomarin::ui {
 
 namespace {
 
+// Set on a date/time picker once its value is the user's (not the stand-in shown for NULL).
+constexpr char kUserSetProperty[] = "lomarinUserSet";
+
 // Server text forms of the temporal types a picker can show.
 QString formatOf(TMyFieldType type) {
   switch (type) {
@@ -49,7 +52,14 @@ void TDataDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
   if (auto* picker = qobject_cast<QDateTimeEdit*>(editor)) {
     const QString text = index.data(Qt::EditRole).toString();
     const QDateTime value = QDateTime::fromString(text, picker->displayFormat());
-    picker->setDateTime(value.isValid() ? value : QDateTime::currentDateTime());
+    const QDateTime shown = value.isValid() ? value : QDateTime::currentDateTime();
+    picker->setDateTime(shown);
+    // A NULL cell offers the current time to start from, but only a change the user makes is
+    // written back (Enter re-announces the unchanged value).
+    picker->setProperty(kUserSetProperty, !index.data(Qt::EditRole).isNull());
+    connect(picker, &QDateTimeEdit::dateTimeChanged, picker, [picker, shown](const QDateTime& now) {
+      if (now != shown) picker->setProperty(kUserSetProperty, true);
+    });
     return;
   }
   QStyledItemDelegate::setEditorData(editor, index);
@@ -57,6 +67,7 @@ void TDataDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
 
 void TDataDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const {
   if (auto* picker = qobject_cast<QDateTimeEdit*>(editor)) {
+    if (!picker->property(kUserSetProperty).toBool()) return;
     model->setData(index, picker->dateTime().toString(picker->displayFormat()), Qt::EditRole);
     return;
   }

@@ -1,8 +1,10 @@
 #include "ui/dataview/data_model.h"
 
+#include <QApplication>
 #include <QBrush>
 #include <QColor>
 #include <QFont>
+#include <QStyle>
 #include <algorithm>
 #include <cctype>
 
@@ -23,6 +25,8 @@ constexpr int kFetchBatch = static_cast<int>(TDataModel::FirstRows);
 constexpr int kMaxFetchBatch = 1 << 17;
 // Binary cells show this many bytes as hex; the editor gets them all.
 constexpr size_t kShownBinaryBytes = 64;
+// The tint of a row whose change the server has not stored.
+const QColor kUnsavedRow(255, 226, 214);
 
 QString textOf(const TMyField& field, std::string_view bytes, bool forEdit) {
   if (!dataview::IsBinaryField(field))
@@ -171,7 +175,7 @@ TCellValue TDataModel::cell(int row, int column) const {
   const auto c = static_cast<size_t>(column);
   if (row >= sourceRowCount()) return newRows_.at(static_cast<size_t>(row - sourceRowCount())).values.at(c);
   const size_t source = sourceRowOf(row);
-  if (auto it = pending_.find(source); it != pending_.end()) return it->second.at(c);
+  if (auto it = pending_.find(source); it != pending_.end()) return it->second.values.at(c);
   if (auto it = confirmed_.find(source); it != confirmed_.end()) return it->second.at(c);
   query_->MoveTo(source);
   if (query_->IsNull(c)) return {};
@@ -192,13 +196,26 @@ QVariant TDataModel::data(const QModelIndex& index, int role) const {
       return cell(index.row(), index.column()).null ? QVariant(QBrush(QColor(Qt::gray))) : QVariant();
     case Qt::TextAlignmentRole:
       return dataview::IsNumberField(field) ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter)) : QVariant();
+    case Qt::BackgroundRole:
+      return isPendingRow(index.row()) ? QVariant(QBrush(kUnsavedRow)) : QVariant();
+    case Qt::ToolTipRole:
+      return isPendingRow(index.row()) ? headerData(index.row(), Qt::Vertical, role) : QVariant();
     default:
       return {};
   }
 }
 
 QVariant TDataModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (orientation == Qt::Vertical) return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
+  if (orientation == Qt::Vertical) {
+    if (role == Qt::DisplayRole) return section + 1;
+    if (section >= rowCount() || !isPendingRow(section)) return {};
+    if (role == Qt::DecorationRole) return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+    if (role == Qt::ToolTipRole) {
+      const QString reason = pendingReason(section);
+      return reason.isEmpty() ? tr("Not saved yet") : tr("Not saved: %1").arg(reason);
+    }
+    return {};
+  }
   const QString name = QString::fromStdString(fields().at(static_cast<size_t>(section)).Name);
   if (role == Qt::DisplayRole) return name;
   if (role == Qt::FontRole && !keyColumn_.isEmpty() && name == keyColumn_) {
@@ -229,18 +246,21 @@ bool TDataModel::setData(const QModelIndex& index, const QVariant& value, int ro
   return setCell(index.row(), index.column(), {false, *bytes});
 }
 
-void TDataModel::reportFailure(const std::exception& error, bool serverError) {
-  if (onPostError) onPostError(QString::fromUtf8(error.what()), serverError);
+QString TDataModel::reportFailure(const std::exception& error, bool serverError) {
+  const QString message = QString::fromUtf8(error.what());
+  if (onPostError) onPostError(message, serverError);
+  return message;
+}
+
+void TDataModel::rowMarkChanged(int row) {
+  emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+  emit headerDataChanged(Qt::Vertical, row, row);
 }
 
 bool TDataModel::setCell(int row, int column, const TCellValue& value) {
   if (!writer().Writable(static_cast<size_t>(column))) {
     if (onPostError)
-      onPostError(writer_->Editable()
-                      ? tr("The column %1 cannot be written")
-                            .arg(headerData(column, Qt::Horizontal, Qt::DisplayRole).toString())
-                      : QString::fromStdString(writer_->ReadOnlyReason()),
-                  false);
+      onPostError(QString::fromStdString(writer_->ColumnReadOnlyReason(static_cast<size_t>(column))), false);
     return false;
   }
   const QModelIndex changed = index(row, column);
@@ -251,19 +271,23 @@ bool TDataModel::setCell(int row, int column, const TCellValue& value) {
     added.given[static_cast<size_t>(column)] = true;
     emit dataChanged(changed, changed);
     if (!added.posted) return true;
+    bool ok = false;
     try {
-      dataview::TRowPoster(session_, *writer_).Update(before, added.values);
-      return true;
+      dataview::TRowPoster(session_, *writer_).Update(added.stored, added.values);
+      added.stored = added.values;
+      added.reason.clear();
+      ok = true;
     } catch (const ServerError& e) {
-      reportFailure(e, true);
+      added.reason = reportFailure(e, true);
     } catch (const std::exception& e) {
-      reportFailure(e, false);
+      added.reason = reportFailure(e, false);
     }
-    return false;
+    rowMarkChanged(row);
+    return ok;
   }
   const size_t source = sourceRowOf(row);
   const TRecord before = confirmedRecord(row);
-  TRecord after = pending_.count(source) ? pending_[source] : before;
+  TRecord after = pending_.count(source) ? pending_[source].values : before;
   after[static_cast<size_t>(column)] = value;
   bool ok = false;
   try {
@@ -272,30 +296,65 @@ bool TDataModel::setCell(int row, int column, const TCellValue& value) {
     pending_.erase(source);
     ok = true;
   } catch (const ServerError& e) {
-    pending_[source] = after;
-    reportFailure(e, true);
+    pending_[source] = {after, reportFailure(e, true)};
   } catch (const std::exception& e) {
-    pending_[source] = after;
-    reportFailure(e, false);
+    pending_[source] = {after, reportFailure(e, false)};
   }
-  emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+  rowMarkChanged(row);
   return ok;
 }
 
 bool TDataModel::isPendingRow(int row) const {
-  if (row >= sourceRowCount()) return !newRows_.at(static_cast<size_t>(row - sourceRowCount())).posted;
+  if (row >= sourceRowCount()) {
+    const NewRow& added = newRows_.at(static_cast<size_t>(row - sourceRowCount()));
+    return !added.posted || added.values != added.stored;
+  }
   return pending_.count(sourceRowOf(row)) != 0;
 }
 
+int TDataModel::firstPendingRow() const {
+  if (!pending_.empty()) {
+    // Deleted rows are never pending, so the row is its source row less the deleted ones before it.
+    const size_t source = pending_.begin()->first;
+    return static_cast<int>(source) -
+           static_cast<int>(std::lower_bound(deleted_.begin(), deleted_.end(), source) - deleted_.begin());
+  }
+  for (int row = sourceRowCount(); row < rowCount(); ++row)
+    if (isPendingRow(row)) return row;
+  return -1;
+}
+
+QString TDataModel::pendingReason(int row) const {
+  if (row >= sourceRowCount()) return newRows_.at(static_cast<size_t>(row - sourceRowCount())).reason;
+  const auto it = pending_.find(sourceRowOf(row));
+  return it == pending_.end() ? QString() : it->second.reason;
+}
+
+void TDataModel::revertRow(int row) {
+  if (row < 0 || row >= rowCount() || !isPendingRow(row)) return;
+  if (row < sourceRowCount()) {
+    pending_.erase(sourceRowOf(row));
+  } else if (NewRow& added = newRows_[static_cast<size_t>(row - sourceRowCount())]; added.posted) {
+    added.values = added.stored;
+    added.reason.clear();
+  } else {
+    beginRemoveRows({}, row, row);
+    newRows_.erase(newRows_.begin() + (row - sourceRowCount()));
+    endRemoveRows();
+    return;
+  }
+  rowMarkChanged(row);
+}
+
 int TDataModel::appendRow() {
-  if (!writer().Editable()) {
-    if (onPostError) onPostError(QString::fromStdString(writer_->ReadOnlyReason()), false);
+  if (!writer().RowsReadOnlyReason().empty()) {
+    if (onPostError) onPostError(QString::fromStdString(writer_->RowsReadOnlyReason()), false);
     return -1;
   }
   fetchAll();
   const int row = rowCount();
   beginInsertRows({}, row, row);
-  newRows_.push_back({TRecord(fields().size()), std::vector<bool>(fields().size(), false), false});
+  newRows_.push_back({TRecord(fields().size()), std::vector<bool>(fields().size(), false), false, {}, {}});
   endInsertRows();
   return row;
 }
@@ -310,19 +369,22 @@ bool TDataModel::postRow(int row) {
       if (id && fields()[i].has(fieldflag::AutoIncrement) && !added.given[i])
         added.values[i] = {false, std::to_string(id)};
     added.posted = true;
-    emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+    added.stored = added.values;
+    added.reason.clear();
+    rowMarkChanged(row);
     return true;
   } catch (const ServerError& e) {
-    reportFailure(e, true);
+    added.reason = reportFailure(e, true);
   } catch (const std::exception& e) {
-    reportFailure(e, false);
+    added.reason = reportFailure(e, false);
   }
+  rowMarkChanged(row);
   return false;
 }
 
 bool TDataModel::deleteRows(std::vector<int> rows) {
-  if (!writer().Editable()) {
-    if (onPostError) onPostError(QString::fromStdString(writer_->ReadOnlyReason()), false);
+  if (!writer().RowsReadOnlyReason().empty()) {
+    if (onPostError) onPostError(QString::fromStdString(writer_->RowsReadOnlyReason()), false);
     return false;
   }
   std::sort(rows.rbegin(), rows.rend());
@@ -330,7 +392,7 @@ bool TDataModel::deleteRows(std::vector<int> rows) {
     try {
       if (row >= sourceRowCount()) {
         const auto added = newRows_.begin() + (row - sourceRowCount());
-        if (added->posted) dataview::TRowPoster(session_, *writer_).Delete(added->values);
+        if (added->posted) dataview::TRowPoster(session_, *writer_).Delete(added->stored);
         beginRemoveRows({}, row, row);
         newRows_.erase(added);
         endRemoveRows();

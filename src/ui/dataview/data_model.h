@@ -16,7 +16,7 @@ namespace lomarin::ui {
 // A grid model over a TMyQuery result: rows are read from the server only as the view scrolls to
 // them (fetchMore), and cells are read from the query's own row store, so nothing is copied per
 // cell. Edits are posted row by row through the data view's row writer; an edit the server refuses
-// stays in the model so the user can correct it.
+// stays in the model, marked as not saved, so the user can correct it or go back to the stored row.
 class TDataModel : public QAbstractTableModel {
   Q_OBJECT
  public:
@@ -66,7 +66,14 @@ class TDataModel : public QAbstractTableModel {
   int appendRow();
   // Sends the INSERT of a new row; true when there was nothing to send or it succeeded.
   bool postRow(int row);
+  // The row holds a change the server has not stored (refused, or a new row not yet inserted).
   bool isPendingRow(int row) const;
+  // The first such row, -1 when none.
+  int firstPendingRow() const;
+  // Why the server refused the row's change; empty when it was not sent yet.
+  QString pendingReason(int row) const;
+  // Drops the row's unsaved change: the stored values show again, a row never inserted goes.
+  void revertRow(int row);
   // Deletes the rows on the server, last first; stops at the first failure.
   bool deleteRows(std::vector<int> rows);
 
@@ -79,12 +86,20 @@ class TDataModel : public QAbstractTableModel {
     dataview::TRecord values;
     std::vector<bool> given;
     bool posted = false;
+    dataview::TRecord stored;  // as last written, once posted
+    QString reason;
+  };
+  struct Refused {
+    dataview::TRecord values;
+    QString reason;
   };
   size_t sourceRowOf(int row) const;
   int sourceRowCount() const;
   dataview::TRecord sourceRecord(size_t source) const;
   dataview::TRecord confirmedRecord(int row) const;
-  void reportFailure(const std::exception& error, bool serverError);
+  // Reports the failure and returns its text.
+  QString reportFailure(const std::exception& error, bool serverError);
+  void rowMarkChanged(int row);
   void resetState();
 
   TMyConnection& session_;
@@ -98,7 +113,7 @@ class TDataModel : public QAbstractTableModel {
   QString keyColumn_;
   std::vector<size_t> deleted_;                    // sorted source rows removed on the server
   std::map<size_t, dataview::TRecord> confirmed_;  // source rows as last written
-  std::map<size_t, dataview::TRecord> pending_;    // source rows the server refused
+  std::map<size_t, Refused> pending_;              // source rows the server refused
   std::vector<NewRow> newRows_;
 };
 

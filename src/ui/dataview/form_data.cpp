@@ -6,6 +6,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -186,6 +187,7 @@ TformData* openTableWindow(QMdiArea* area, TMyConnection& session, SettingsStore
     auto* open = qobject_cast<TformData*>(sub->widget());
     if (open && open->name() == name) {
       area->setActiveSubWindow(sub);
+      open->frameData()->grid()->setFocus(Qt::OtherFocusReason);
       return open;
     }
   }
@@ -195,6 +197,8 @@ TformData* openTableWindow(QMdiArea* area, TMyConnection& session, SettingsStore
   // Documents are tabs: each fills the area, as the main window shows its others.
   sub->showMaximized();
   area->setActiveSubWindow(sub);
+  // Keys such as F5 and the arrows work on the rows at once.
+  window->frameData()->grid()->setFocus(Qt::OtherFocusReason);
   return window;
 }
 

@@ -22,6 +22,7 @@
 #include "ui/dataview/data_delegate.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/form_limit_settings.h"
+#include "ui/focus_return.h"
 
 namespace lomarin::ui {
 
@@ -48,7 +49,10 @@ struct WaitCursor {
 TframeData::TframeData(TMyConnection& session, SettingsStore& settings, QWidget* parent)
     : QWidget(parent), session_(session), settings_(settings), model_(new TDataModel(session, this)) {
   setObjectName("TframeData");
-  ErrorDisplay = [this](const QString& message) { QMessageBox::critical(this, tr("Error"), message); };
+  ErrorDisplay = [this](const QString& message) {
+    TFocusReturn focus;
+    QMessageBox::critical(this, tr("Error"), message);
+  };
   model_->onPostError = [this](const QString& message, bool serverError) {
     reportError(message, serverError);
   };
@@ -138,12 +142,54 @@ void TframeData::buildUi() {
   connect(spLimitSettings_, &QToolButton::clicked, this, &TframeData::onLimitSettings);
   connect(cxchkActive_, &QCheckBox::toggled, this, &TframeData::onActiveToggled);
   connect(grid_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-          [this](const QModelIndex& current, const QModelIndex& previous) {
-            if (previous.isValid() && previous.row() != current.row()) model_->postRow(previous.row());
-            card_->showRow(current.row());
-            updateRecordIndicator();
-          });
+          &TframeData::onCurrentRowChanged);
   setPagingEnabled(false);
+}
+
+void TframeData::onCurrentRowChanged(const QModelIndex& current, const QModelIndex& previous) {
+  if (previous.isValid() && previous.row() != current.row() && !returningToRow_ &&
+      !leaveRow(previous.row())) {
+    returningToRow_ = true;
+    grid_->setCurrentIndex(previous);
+    returningToRow_ = false;
+    return;
+  }
+  card_->showRow(current.row());
+  updateRecordIndicator();
+}
+
+bool TframeData::leaveRow(int row) {
+  model_->postRow(row);
+  if (!model_->isPendingRow(row)) return true;
+  if (!askDiscard(row)) return false;
+  model_->revertRow(row);
+  return true;
+}
+
+bool TframeData::askDiscard(int row) {
+  const QString reason = model_->pendingReason(row);
+  const QString state = reason.isEmpty() ? tr("Row %1 has not been saved.").arg(row + 1)
+                                         : tr("Row %1 was not saved: %2").arg(row + 1).arg(reason);
+  QMessageBox box(QMessageBox::Question, tr("Unsaved change"),
+                  state + "\n\n" + tr("Discard the change and show the stored values?"),
+                  QMessageBox::Yes | QMessageBox::No, this);
+  box.setObjectName("UnsavedChange");
+  box.setDefaultButton(QMessageBox::No);
+  TFocusReturn focus;
+  return box.exec() == QMessageBox::Yes;
+}
+
+bool TframeData::ConfirmDropUnsaved() {
+  int row = model_->firstPendingRow();
+  if (row < 0) return true;
+  if (!askDiscard(row)) return false;
+  for (; row >= 0; row = model_->firstPendingRow()) model_->revertRow(row);
+  return true;
+}
+
+void TframeData::RevertRow() {
+  const QModelIndex current = grid_->currentIndex();
+  if (current.isValid()) model_->revertRow(current.row());
 }
 
 void TframeData::applyOptions() {
@@ -164,6 +210,7 @@ void TframeData::reportError(const QString& message, bool serverError) {
 }
 
 bool TframeData::reopen(const std::string& sql) {
+  if (!ConfirmDropUnsaved()) return false;
   WaitCursor wait;
   const std::string previous = sql_;
   try {
@@ -186,9 +233,7 @@ bool TframeData::reopen(const std::string& sql) {
 }
 
 void TframeData::afterOpen() {
-  statusText_->setText(model_->writerReady() && !model_->writer().Editable()
-                           ? qs(model_->writer().ReadOnlyReason())
-                           : QString());
+  statusText_->setText(model_->writerReady() ? qs(model_->writer().ReadOnlyReason()) : QString());
   if (BestFit) FitColumns();
   defaultWidths_.clear();
   for (int i = 0; i < model_->columnCount(); ++i) defaultWidths_.push_back(grid_->columnWidth(i));
@@ -323,6 +368,11 @@ void TframeData::restartPaging() {
 }
 
 void TframeData::onActiveToggled(bool active) {
+  if (!ConfirmDropUnsaved()) {
+    const QSignalBlocker block(cxchkActive_);
+    cxchkActive_->setChecked(!active);
+    return;
+  }
   if (active) {
     restartPaging();
     return;
@@ -334,7 +384,7 @@ void TframeData::onActiveToggled(bool active) {
 
 void TframeData::onLimitSettings() {
   TformLimitSetings dialog(settings_, this);
-  if (dialog.exec() != QDialog::Accepted) return;
+  if (dialog.exec() != QDialog::Accepted || !ConfirmDropUnsaved()) return;
   cxspnLimit_->setText(QString::number(dialog.limitValue()));
   restartPaging();
 }
@@ -352,6 +402,7 @@ void TframeData::EnableCxGridSort() {
 
 void TframeData::EnableFilter() {
   connect(edtFilter_, &QLineEdit::returnPressed, this, &TframeData::applyFilterLine, Qt::UniqueConnection);
+  connect(edtFilter_, &QLineEdit::textChanged, this, &TframeData::onFilterTextChanged, Qt::UniqueConnection);
   filterLabel_->setVisible(true);
   edtFilter_->setVisible(true);
   QHeaderView* header = grid_->horizontalHeader();
@@ -362,10 +413,23 @@ void TframeData::EnableFilter() {
 
 void TframeData::applyFilterLine() { ApplyFilter(edtFilter_->text()); }
 
+void TframeData::onFilterTextChanged(const QString& text) {
+  // An emptied box (its clear button, or the text deleted) shows every row again.
+  if (!text.isEmpty() || WhereLine.empty() || ApplyFilter({})) return;
+  const QSignalBlocker block(edtFilter_);
+  edtFilter_->setText(filterCondition_);
+}
+
 bool TframeData::ApplyFilter(const QString& condition) {
   const std::string line = dataview::WhereLineFor(condition.toStdString());
   const bool ok = reopen(dataview::ApplyWhereLine(sql_, line, LimitActive(), LimitClause));
-  if (ok) WhereLine = line;
+  if (ok) {
+    WhereLine = line;
+    filterCondition_ = condition;
+    // The box shows the filter in force, also one chosen from a column's value list.
+    const QSignalBlocker block(edtFilter_);
+    edtFilter_->setText(condition);
+  }
   return ok;
 }
 
@@ -390,8 +454,9 @@ QString TframeData::statusText() const { return statusText_->text(); }
 void TframeData::updateRecordIndicator() {
   const int count = model_->rowCount();
   const QModelIndex current = grid_->currentIndex();
-  recordText_->setText(count == 0 || !current.isValid() ? tr("Record ???")
-                                                        : QString("Record  %1 / %2").arg(current.row() + 1).arg(count));
+  recordText_->setText(count == 0 || !current.isValid()
+                           ? tr("Record ???")
+                           : QString("Record  %1 / %2").arg(current.row() + 1).arg(count));
   emit recordTextChanged(recordText_->text());
 }
 

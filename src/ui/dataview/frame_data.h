@@ -72,6 +72,10 @@ class TframeData : public QWidget {
   // A document with a status bar of its own shows the record indicator there.
   void setStatusBarVisible(bool visible);
 
+  // Asks before a row change the server has not stored is dropped (by paging, refreshing,
+  // filtering, sorting); true when there is none or the user lets it go, which restores the rows.
+  bool ConfirmDropUnsaved();
+
   // Applies a server-side filter condition; empty removes the filter.
   bool ApplyFilter(const QString& condition);
   // The distinct values of a column as literals (at most `limit`), for its filter drop-down.
@@ -99,6 +103,8 @@ class TframeData : public QWidget {
   void InsertRecord();
   void DeleteRecords();
   void PostRecord();
+  // Drops the current row's unsaved change and shows the stored values again.
+  void RevertRow();
   void LoadAllRecords();
   void ShowRecordCount();
   void FitColumns();
@@ -123,6 +129,10 @@ class TframeData : public QWidget {
   void setPagingEnabled(bool enabled);
   void onActiveToggled(bool active);
   void applyFilterLine();
+  void onFilterTextChanged(const QString& text);
+  void onCurrentRowChanged(const QModelIndex& current, const QModelIndex& previous);
+  bool leaveRow(int row);
+  bool askDiscard(int row);
   void showFilterValues(const QPoint& pos);
   void onLimitSettings();
   void updateRecordIndicator();
@@ -137,6 +147,8 @@ class TframeData : public QWidget {
   dataview::TLimitPaging paging_;
   std::vector<dataview::SortColumn> sortColumns_;
   std::string sql_;
+  QString filterCondition_;
+  bool returningToRow_ = false;
   bool fetchAll_ = false;
   std::vector<int> defaultWidths_;
 

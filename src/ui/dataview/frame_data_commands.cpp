@@ -19,6 +19,7 @@
 #include "engine/dataview/row_writer.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/frame_data.h"
+#include "ui/focus_return.h"
 
 namespace lomarin::ui {
 
@@ -57,6 +58,7 @@ void TframeData::buildActions() {
       {"actInsertRecord", "Insert record", "Ins", &TframeData::InsertRecord},
       {"actDeleteRecords", "Delete records", "Ctrl+Shift+Del", &TframeData::DeleteRecords},
       {"actPost", "Post record", "Ctrl+Return", &TframeData::PostRecord},
+      {"actRevertRow", "Restore stored values", "Esc", &TframeData::RevertRow},
       {"actRefresh", "Refresh", "F5", nullptr},
       {"actLoadAll", "Load all records", "", &TframeData::LoadAllRecords},
       {"actRecordCount", "Record count", "", &TframeData::ShowRecordCount},
@@ -74,6 +76,8 @@ void TframeData::buildActions() {
       connect(action, &QAction::triggered, this, &TframeData::Refresh);
     grid_->addAction(action);
   }
+  // Escape in an open cell editor stays the editor's own: it drops the typing.
+  action("actRevertRow")->setShortcutContext(Qt::WidgetShortcut);
   auto* exportMenu = new QMenu(tr("Export"), this);
   const std::pair<const char*, dataview::TExportFormat> formats[] = {
       {"Text", dataview::TExportFormat::Text}, {"CSV", dataview::TExportFormat::Csv},
@@ -110,6 +114,7 @@ void TframeData::CopySelectedRows() { QApplication::clipboard()->setText(rowsTex
 
 bool TframeData::confirmLoadAll() {
   if (model_->allFetched()) return true;
+  TFocusReturn focus;
   return QMessageBox::warning(
              this, tr("Warning"),
              "All table records will be loaded in memory, this operation may \r\ntake some time",
@@ -158,6 +163,7 @@ void TframeData::DeleteRecords() {
   QMessageBox box(QMessageBox::Question, tr("Deleting Confirmation"), question,
                   QMessageBox::Yes | QMessageBox::No, this);
   box.setObjectName("DeletingConfirmation");
+  TFocusReturn focus;
   if (box.exec() != QMessageBox::Yes) return;
   model_->deleteRows(rows);
 }
@@ -223,6 +229,7 @@ void TframeData::ShowRecordCount() {
     count.Open();
     count.Next();
     const QString name = QString::fromStdString(TableName.empty() ? "query" : TableName);
+    TFocusReturn focus;
     QMessageBox::information(this, tr("Information"),
                              "Records for table " + name + " : " + QString::fromUtf8(count.Value(0)));
   } catch (const ServerError& error) {

@@ -172,5 +172,41 @@ TEST_F(RowWriterTest, BinaryKeysAreMatchedAsHexAndRefusedWritesThrow) {
   EXPECT_THROW(TRowPoster(*session, writer).Update(before, after), RowCountError);
 }
 
+TEST_F(RowWriterTest, SelfJoinWritesEachAliasThroughItsOwnKeyOnly) {
+  scratch("tree", "(id INT PRIMARY KEY, parent INT, name VARCHAR(20))",
+          "(1, NULL, 'root'), (2, 1, 'child'), (3, 2, 'leaf')");
+  const std::string rows = "select group_concat(id, name order by id) from tree";
+  TRecord before;
+  TRowWriter parentOnly =
+      open("select a.id, b.name from tree a join tree b on b.id = a.parent order by a.id", &before);
+  const std::string reason = "Read-only: `b`.`name`: the result holds no key of `tree` under the alias `b`";
+  EXPECT_TRUE(parentOnly.Writable(0));
+  EXPECT_FALSE(parentOnly.Writable(1));
+  EXPECT_EQ(parentOnly.ColumnReadOnlyReason(1), reason);
+  EXPECT_EQ(parentOnly.ReadOnlyReason(), reason);
+  TRecord after = before;
+  after[1] = {false, "renamed"};
+  TRowPoster(*session, parentOnly).Update(before, after);
+  EXPECT_EQ(test::scalar(*session, rows), "1root,2child,3leaf");
+
+  TRowWriter both = open(
+      "select a.id, a.name, b.id as parent_id, b.name as parent_name from tree a join tree b on b.id = "
+      "a.parent order by a.id",
+      &before);
+  EXPECT_EQ(both.ReadOnlyReason(), "");
+  EXPECT_EQ(both.RowsReadOnlyReason(),
+            "Rows cannot be added or deleted: `tree` appears under several aliases");
+  EXPECT_THROW((void)both.DeleteSQL(before), std::logic_error);
+  after = before;
+  after[1] = {false, "kid"};
+  after[3] = {false, "top"};
+  EXPECT_EQ(both.UpdateSQL(before, after, 0),
+            "UPDATE `lomarin_test`.`tree` SET `name` = 'kid' WHERE `id` = 2");
+  EXPECT_EQ(both.UpdateSQL(before, after, 1),
+            "UPDATE `lomarin_test`.`tree` SET `name` = 'top' WHERE `id` = 1");
+  TRowPoster(*session, both).Update(before, after);
+  EXPECT_EQ(test::scalar(*session, rows), "1top,2kid,3leaf");
+}
+
 }  // namespace
 }  // namespace lomarin::dataview

@@ -1,6 +1,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
+#include <QDateTimeEdit>
 #include <QMessageBox>
 #include <QTableView>
 #include <QTest>
@@ -152,6 +153,72 @@ class EditingTest : public QObject {
                           "select group_concat(media_id, file_name, ':', caption order by media_id) from "
                           "product_media where media_id >= 9"),
              std::string("9a.txt:first,10a.txt:first,11b.txt:second"));
+  }
+
+  void selfJoinEditsOnlyThroughItsOwnAlias() {
+    test::sideExec("DROP TABLE IF EXISTS lomarin_test.tree");
+    test::sideExec("CREATE TABLE lomarin_test.tree (id INT PRIMARY KEY, parent INT, name VARCHAR(20))");
+    test::sideExec("INSERT INTO lomarin_test.tree VALUES (1, NULL, 'root'), (2, 1, 'child'), (3, 2, 'leaf')");
+    const std::string rows = "select group_concat(id, name order by id) from tree";
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(
+        grid.frame.OpenSQL("select a.id, b.name from tree a join tree b on b.id = a.parent order by a.id"));
+    const QString reason = "Read-only: `b`.`name`: the result holds no key of `tree` under the alias `b`";
+    QCOMPARE(grid.frame.statusText(), reason);
+    QVERIFY(!(grid.model().flags(grid.model().index(0, 1)) & Qt::ItemIsEditable));
+    f.takeStatements();
+    QVERIFY(!grid.edit(0, 1, "renamed"));
+    QVERIFY(f.takeStatements().empty());
+    QCOMPARE(grid.shown, QStringList{reason});
+    QCOMPARE(test::scalar(*f.session, rows), std::string("1root,2child,3leaf"));
+
+    // With each alias's key in the result, a cell changes the row of its own alias.
+    QVERIFY(grid.frame.OpenSQL(
+        "select a.id, a.name, b.id as parent_id, b.name as parent_name from tree a join tree b on b.id = "
+        "a.parent order by a.id"));
+    QVERIFY(grid.frame.statusText().isEmpty());
+    f.takeStatements();
+    QVERIFY(grid.edit(1, 3, "middle"));
+    QCOMPARE(f.takeStatements(),
+             (std::vector<std::string>{"UPDATE `lomarin_test`.`tree` SET `name` = 'middle' WHERE `id` = 2"}));
+    QCOMPARE(test::scalar(*f.session, rows), std::string("1root,2middle,3leaf"));
+  }
+
+  void nullDateStaysNullUnlessTheUserSetsOne() {
+    test::sideExec("DROP TABLE IF EXISTS lomarin_test.dates");
+    test::sideExec("CREATE TABLE lomarin_test.dates (id INT PRIMARY KEY, d DATE NULL, t DATETIME NULL)");
+    test::sideExec("INSERT INTO lomarin_test.dates VALUES (1, NULL, NULL)");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    grid.frame.show();
+    QVERIFY(grid.frame.OpenSQL("select * from dates"));
+    QTableView* view = grid.frame.grid();
+    auto editorOf = [&](int column) {
+      const QModelIndex index = grid.model().index(0, column);
+      view->setCurrentIndex(index);
+      view->edit(index);
+      return view->viewport()->findChild<QDateTimeEdit*>();
+    };
+    f.takeStatements();
+    for (int column : {1, 2}) {
+      QDateTimeEdit* editor = editorOf(column);
+      QVERIFY(editor);
+      QTest::keyClick(editor, Qt::Key_Return);
+      QTRY_VERIFY(!view->viewport()->findChild<QDateTimeEdit*>());
+    }
+    QVERIFY(f.takeStatements().empty());
+    QCOMPARE(test::scalar(*f.session, "select concat_ws(',', id, d, t) from dates"), std::string("1"));
+    QCOMPARE(grid.model().data(grid.model().index(0, 1), Qt::DisplayRole).toString(), QString("(NULL)"));
+    f.takeStatements();
+
+    QDateTimeEdit* editor = editorOf(1);
+    editor->setDate(QDate(2024, 2, 29));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY(!f.statements.empty());
+    QCOMPARE(
+        f.takeStatements(),
+        (std::vector<std::string>{"UPDATE `lomarin_test`.`dates` SET `d` = '2024-02-29' WHERE `id` = 1"}));
   }
 
   void keylessTableIsReadOnlyWithItsReason() {

@@ -113,7 +113,6 @@ class TablePagingTest : public QObject {
     QCOMPARE(frame->model()->rowCount(), 10);
 
     filter->clear();
-    QTest::keyClick(filter, Qt::Key_Return);
     QCOMPARE(f.lastStatement(), std::string("select * from `customers`\n\nLIMIT 0,100"));
     QCOMPARE(frame->model()->rowCount(), 100);
 
@@ -143,6 +142,36 @@ class TablePagingTest : public QObject {
     QCOMPARE(f.serverErrors.size(), size_t(1));
     QCOMPARE(frame->model()->rowCount(), 4);
     QCOMPARE(frame->WhereLine, std::string(" where  customer_id < 5"));
+  }
+
+  void clearingTheFilterBoxShowsEveryRowAgain() {
+    test::DataviewFixture f;
+    TframeData* frame =
+        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false)->frameData();
+    auto* filter = frame->findChild<QLineEdit*>("edtFilter");
+    filter->setText("customer_id > 240");
+    QTest::keyClick(filter, Qt::Key_Return);
+    QCOMPARE(frame->model()->rowCount(), 10);
+    // A refused condition leaves the filter in force.
+    filter->setText("no_such_column = 1");
+    QTest::keyClick(filter, Qt::Key_Return);
+    QCOMPARE(frame->WhereLine, std::string(" where  customer_id > 240"));
+    f.takeStatements();
+
+    // The box's clear button (x).
+    auto clickClear = [filter] { QTest::mouseClick(filter->findChild<QToolButton*>(), Qt::LeftButton); };
+    clickClear();
+    QTRY_COMPARE(frame->WhereLine, std::string());
+    QCOMPARE(f.takeStatements(), (Statements{"select * from `customers`\n\nLIMIT 0,100"}));
+    QCOMPARE(frame->model()->rowCount(), 100);
+    QVERIFY(frame->Refresh());
+    QCOMPARE(f.takeStatements().front(), std::string("select * from `customers`\n\nLIMIT 0,100"));
+
+    // A filter chosen from a column's value list shows in the box, so it can be cleared there.
+    QVERIFY(frame->FilterOnValue(0, "7"));
+    QCOMPARE(filter->text(), QString("`customer_id` = 7"));
+    clickClear();
+    QTRY_COMPARE(f.lastStatement(), std::string("select * from `customers`\n\nLIMIT 0,100"));
   }
 
   void filterValueListsFilterOnOneValue() {
