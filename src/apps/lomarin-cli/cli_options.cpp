@@ -69,6 +69,8 @@ ParsedArgs parseArgs(const std::vector<std::string>& args) {
       c.UseSSL = true;
     } else if (name == "--compress" && !hasValue) {
       c.Compress = true;
+    } else if (name == "--account") {
+      parsed.account = take();
     } else if (name == "--default-character-set") {
       c.Charset = take();
     } else {

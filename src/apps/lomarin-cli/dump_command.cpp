@@ -8,7 +8,9 @@
 #include <map>
 #include <stdexcept>
 
+#include "cli_session.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/ssh_tunnel.h"
 
 namespace lomarin::cli {
 
@@ -145,8 +147,8 @@ int runDump(const ParsedArgs& args, std::FILE* out, std::FILE* err) {
     return 2;
   }
   const DumpRequest request = parseDumpFlags(args.flags);
+  TSshTunnel tunnel;
   TMyConnection session;
-  session.Settings = args.connection;
   TMyDump dump(&session);
   dump.Database = args.positional.front();
   dump.Objects = request.objects;
@@ -170,7 +172,7 @@ int runDump(const ParsedArgs& args, std::FILE* out, std::FILE* err) {
     return 1;
   };
   try {
-    session.Connect();
+    connectSession(args, session, tunnel);
     auto run = [&](TDumpSink& sink) {
       if (request.query.empty())
         dump.Backup(sink);

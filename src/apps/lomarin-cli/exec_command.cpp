@@ -7,7 +7,9 @@
 #include <fstream>
 #include <iostream>
 
+#include "cli_session.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/ssh_tunnel.h"
 #include "engine/sqleditor/my_script.h"
 
 namespace lomarin::cli {
@@ -27,7 +29,8 @@ class ProgressLine {
     if (now - last_ < std::chrono::milliseconds(200)) return;
     last_ = now;
     if (total > 0)
-      std::fprintf(err_, "\r%3d%%  %.1f / %.1f MB", static_cast<int>(done * 100 / total), done / 1e6, total / 1e6);
+      std::fprintf(err_, "\r%3d%%  %.1f / %.1f MB", static_cast<int>(done * 100 / total), done / 1e6,
+                   total / 1e6);
     else
       std::fprintf(err_, "\r%.1f MB", done / 1e6);
     std::fflush(err_);
@@ -89,12 +92,12 @@ int runExec(const ParsedArgs& args, std::FILE* err) {
     in = &file;
   }
 
+  TSshTunnel tunnel;
   TMyConnection session;
-  session.Settings = args.connection;
   ProgressLine progress(err);
   size_t failures = 0;
   try {
-    session.Connect();
+    connectSession(args, session, tunnel);
     TMyScript script(session);
     script.UseOptimization = optimize;
     script.OnError = [&](const ServerError& error, const std::string& statement, TErrorAction& action) {

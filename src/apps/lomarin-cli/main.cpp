@@ -6,6 +6,8 @@
 #include "account_command.h"
 #include "cli_options.h"
 #include "dump_command.h"
+#include "engine/app/settings_store.h"
+#include "engine/connect/ssh_error.h"
 #include "exec_command.h"
 #include "query_command.h"
 
@@ -21,7 +23,8 @@ void usage(std::FILE* to) {
                "  exec FILE         run a script; --optimize sends statements in batches\n"
                "connection options: --host --port --user --password --database --socket\n"
                "                    --ssl --ssl-ca --ssl-cert --ssl-key --ssl-cipher --compress\n"
-               "                    --default-character-set\n");
+               "                    --default-character-set\n"
+               "                    --account NAME (a stored account, its SSH tunnel included)\n");
 }
 
 }  // namespace
@@ -45,6 +48,12 @@ int main(int argc, char** argv) {
   } catch (const std::invalid_argument& error) {
     std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
     return 2;
+  } catch (const lomarin::TSshError& error) {
+    std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
+    return 1;
+  } catch (const lomarin::SettingsError& error) {
+    std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
+    return 1;
   }
   std::fprintf(stderr, "lomarin-cli: unknown command %s\n", command.c_str());
   usage(stderr);

@@ -1,7 +1,9 @@
 #include "query_command.h"
 
+#include "cli_session.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/my_query.h"
+#include "engine/connect/ssh_tunnel.h"
 #include "tsv_writer.h"
 
 namespace lomarin::cli {
@@ -11,10 +13,10 @@ int runQuery(const ParsedArgs& args, std::FILE* out, std::FILE* err) {
     std::fprintf(err, "usage: lomarin-cli query [connection options] STATEMENT\n");
     return 2;
   }
+  TSshTunnel tunnel;
   TMyConnection session;
-  session.Settings = args.connection;
   try {
-    session.Connect();
+    connectSession(args, session, tunnel);
     TMyQuery query(session);
     query.SQL = args.positional.front();
     query.UniDirectional = true;

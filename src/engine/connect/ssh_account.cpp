@@ -26,6 +26,8 @@ TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesyst
 
 void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                                  const std::filesystem::path& keyStoreFolder) {
+  // Disconnecting closes the tunnel in the main window's after-disconnect step: first, then.
+  if (session.Connected()) session.Disconnect();
   session.Settings.TunnelPort = 0;
   if (!account.UseSSH) {
     tunnel.Close();
