@@ -8,7 +8,9 @@
 #include "ui/app/main_actions.h"
 #include "ui/designers/form_alter_table.h"
 #include "ui/designers/form_clone_object.h"
+#include "ui/designers/form_constraint_manager.h"
 #include "ui/designers/form_databases.h"
+#include "ui/designers/form_index_manager.h"
 #include "ui/designers/form_rename_table.h"
 #include "ui/designers/form_table.h"
 
@@ -48,6 +50,16 @@ void cloneTable(Tformppal& window) {
   if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(dialog.targetDatabase());
 }
 
+// The managers stay open for several changes; the tree follows once they close.
+template <typename Manager>
+void openKeyManager(Tformppal& window, bool dropPage = false) {
+  const TframeExplorer::Selection selection = window.explorer()->selection();
+  Manager dialog(window.MySqlSession, reporter(window), databaseOf(window), selection.table, &window);
+  if (dropPage) dialog.showDropPage();
+  dialog.exec();
+  window.explorer()->refreshDatabase(QString::fromStdString(dialog.database()));
+}
+
 void alterColumn(Tformppal& window, const QString& database, const QString& table, const QString& column) {
   TfrmAlterTable dialog(window.MySqlSession, tableName(window, database, table), column, &window);
   if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(database);
@@ -74,6 +86,9 @@ void installDesignersCommands(Tformppal& window) {
   });
   actions.setHandler("actCloneObject", [&window] { cloneTable(window); });
   actions.setHandler("actCloneObj", [&window] { cloneTable(window); });
+  actions.setHandler("actIndex", [&window] { openKeyManager<TformIndexManager>(window); });
+  actions.setHandler("actDropIndex", [&window] { openKeyManager<TformIndexManager>(window, true); });
+  actions.setHandler("actConstraint", [&window] { openKeyManager<TformConstraintManager>(window); });
   actions.setHandler("actAddDatabase", [&window] {
     TformNewDataBase dialog(window.MySqlSession, reporter(window), &window);
     if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase({});

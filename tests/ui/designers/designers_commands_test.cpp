@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -14,6 +15,8 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/designers/form_alter_table.h"
+#include "ui/designers/form_constraint_manager.h"
+#include "ui/designers/form_index_manager.h"
 #include "ui/designers/form_table.h"
 #include "ui_test_registry.h"
 
@@ -21,6 +24,8 @@ namespace {
 
 using lomarin::test::child;
 using lomarin::test::DesignersFixture;
+using lomarin::ui::TformConstraintManager;
+using lomarin::ui::TformIndexManager;
 using lomarin::ui::Tformppal;
 using lomarin::ui::TfrmAlterTable;
 using lomarin::ui::TfrmTable;
@@ -45,12 +50,12 @@ class DesignersCommandsTest : public QObject {
     lomarin::test::FreshSettings fresh;
     Tformppal window(*fresh.store);
     lomarin::ui::installDesignersCommands(window);
-    for (const char* name : {"actNewTable", "actNewCclumn"})
+    for (const char* name : {"actNewTable", "actNewCclumn", "actIndex", "actDropIndex", "actConstraint"})
       QVERIFY2(!window.actions().action(name)->isEnabled(), name);
     window.MySqlSession.Settings = lomarin::test::serverSettings();
     window.MySqlSession.Settings.Database = DesignersFixture::kDatabase;
     window.MySqlSession.Connect();
-    for (const char* name : {"actNewTable", "actNewCclumn"})
+    for (const char* name : {"actNewTable", "actNewCclumn", "actIndex", "actDropIndex", "actConstraint"})
       QVERIFY2(window.actions().action(name)->isEnabled(), name);
 
     QTreeWidget* tree = window.explorer()->tree();
@@ -83,6 +88,37 @@ class DesignersCommandsTest : public QObject {
     });
     window.actions().action("actNewCclumn")->trigger();
     QVERIFY(f.createText("t").find("`added` int(11)") != std::string::npos);
+
+    // The index manager opens on the selected table; once it closes the table's index folder shows the new
+    // one.
+    database = childNamed(tree->topLevelItem(0), DesignersFixture::kDatabase);
+    tables = childNamed(database, "Tables");
+    tables->setExpanded(true);
+    tree->setCurrentItem(childNamed(tables, "t"));
+    lomarin::test::onNextModal<TformIndexManager>([](TformIndexManager* dialog) {
+      QCOMPARE(dialog->table(), std::string("t"));
+      child<QLineEdit>(dialog, "edtIndexName")->setText("ix_added");
+      auto* columns = child<QTreeWidget>(dialog, "grdColumns");
+      columns->topLevelItem(1)->setCheckState(0, Qt::Checked);
+      lomarin::test::onNextModal<QMessageBox>([](QMessageBox*) {});
+      child<QPushButton>(dialog, "btnOk")->click();
+    });
+    window.actions().action("actIndex")->trigger();
+    database = childNamed(tree->topLevelItem(0), DesignersFixture::kDatabase);
+    tables = childNamed(database, "Tables");
+    tables->setExpanded(true);
+    QTreeWidgetItem* indexes = childNamed(childNamed(tables, "t"), "Index");
+    QVERIFY(indexes);
+    indexes->setExpanded(true);
+    QCOMPARE(childTexts(indexes), QStringList({"PRIMARY", "ix_added"}));
+
+    tree->setCurrentItem(indexes);
+
+    lomarin::test::onNextModal<TformConstraintManager>([](TformConstraintManager* dialog) {
+      QCOMPARE(dialog->windowTitle(), QString("Constraint Manager"));
+      QCOMPARE(dialog->table(), std::string("t"));
+    });
+    window.actions().action("actConstraint")->trigger();
     window.MySqlSession.Disconnect();
   }
 };
