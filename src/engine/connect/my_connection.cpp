@@ -15,7 +15,7 @@ namespace lomarin {
 
 namespace {
 
-constexpr unsigned kConnectionKilled = 1927;  // MariaDB: the session was killed while idle
+constexpr unsigned kConnectionKilled = 1927;          // MariaDB: the session was killed while idle
 constexpr unsigned kClientInteractionTimeout = 4031;  // MySQL 8: idle session closed by the server
 constexpr const char* kHandshakePrefix = "5.5.5-";
 
@@ -110,7 +110,8 @@ MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string&
   }
   if (ssl && !mysql_get_ssl_cipher(m)) {
     mysql_close(m);
-    throw ServerError(CR_SSL_CONNECTION_ERROR, "HY000", "SSL connection error: the connection is not encrypted");
+    throw ServerError(CR_SSL_CONNECTION_ERROR, "HY000",
+                      "SSL connection error: the connection is not encrypted");
   }
   serverMultiStatements = false;
 
@@ -179,14 +180,14 @@ void TMyConnection::Impl::reconnect() {
   }
 }
 
-void TMyConnection::Impl::send(std::string_view sql) {
+void TMyConnection::Impl::send(std::string_view sql, std::string_view traced) {
   if (!mysql) fail(ServerError(CR_SERVER_GONE_ERROR, "HY000", "Not connected"));
   releasePending();
   for (;;) {
     syncMultiStatements();
     // A silent repeat would run the statement outside the transaction or locks it belonged to.
     const bool holdsState = !lossReported && ((serverStatus() & SERVER_STATUS_IN_TRANS) || tablesLocked);
-    if (monitor) monitor->trace(sql);
+    if (monitor) monitor->trace(traced.empty() ? sql : traced);
     if (mysql_real_query(mysql, sql.data(), sql.size()) == 0) {
       noteLocks(sql);
       return;
@@ -213,7 +214,8 @@ void TMyConnection::Impl::send(std::string_view sql) {
 
 void TMyConnection::Impl::syncMultiStatements() {
   if (serverMultiStatements == multiStatements) return;
-  mysql_set_server_option(mysql, multiStatements ? MYSQL_OPTION_MULTI_STATEMENTS_ON : MYSQL_OPTION_MULTI_STATEMENTS_OFF);
+  mysql_set_server_option(
+      mysql, multiStatements ? MYSQL_OPTION_MULTI_STATEMENTS_ON : MYSQL_OPTION_MULTI_STATEMENTS_OFF);
   serverMultiStatements = multiStatements;
 }
 
@@ -252,9 +254,7 @@ int TMyConnection::ServerMajorVersion() const { return lomarin::ServerMajorVersi
 int TMyConnection::ServerVersionNumber() const { return lomarin::ServerVersionNumber(d->serverVersion); }
 std::string TMyConnection::ClientVersion() const { return mysql_get_client_info(); }
 
-std::string TMyConnection::CharsetName() const {
-  return d->mysql ? mysql_character_set_name(d->mysql) : "";
-}
+std::string TMyConnection::CharsetName() const { return d->mysql ? mysql_character_set_name(d->mysql) : ""; }
 
 std::string TMyConnection::CurrentDatabase() const { return d->schema(); }
 
@@ -292,10 +292,16 @@ TMyConnection::MultiStatements::~MultiStatements() { connection_.d->multiStateme
 
 bool ExecSQLText(TMyConnection& session, std::string_view text,
                  const std::function<void(const ServerError&)>& reportError) {
+  return ExecSQLText(session, text, {}, reportError);
+}
+
+bool ExecSQLText(TMyConnection& session, std::string_view text, std::string_view traced,
+                 const std::function<void(const ServerError&)>& reportError) {
   try {
     TMyQuery query(session);
     query.UniDirectional = false;
     query.SQL = std::string(text);
+    query.TracedSQL = std::string(traced);
     query.Execute();
     return true;
   } catch (const ServerError& error) {

@@ -87,5 +87,8 @@ class TMyConnection {
 // Runs one statement as a command. A failure goes to reportError (when given) and gives false.
 bool ExecSQLText(TMyConnection& session, std::string_view text,
                  const std::function<void(const ServerError&)>& reportError = {});
+// The same, with the monitor showing traced instead of text (a password masked).
+bool ExecSQLText(TMyConnection& session, std::string_view text, std::string_view traced,
+                 const std::function<void(const ServerError&)>& reportError = {});
 
 }  // namespace lomarin

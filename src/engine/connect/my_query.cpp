@@ -158,7 +158,7 @@ TMyQuery::~TMyQuery() {
 void TMyQuery::Open() {
   Close();
   d->ended = false;
-  d->session().send(SQL);
+  d->session().send(SQL, TracedSQL);
   d->active = true;
   d->readResult(UniDirectional);
   if (FetchAll && !UniDirectional) FetchRest();
@@ -166,7 +166,7 @@ void TMyQuery::Open() {
 
 void TMyQuery::Execute() {
   Close();
-  d->session().send(SQL);
+  d->session().send(SQL, TracedSQL);
   d->active = true;
   d->readResult(true);
   const uint64_t affected = d->rowsAffected;
@@ -200,7 +200,8 @@ int TMyQuery::FieldIndex(std::string_view name) const {
 
 bool TMyQuery::Next() {
   if (UniDirectional) {
-    if (d->ended) throw ServerError(2014, "HY000", "The result was closed because another statement was sent");
+    if (d->ended)
+      throw ServerError(2014, "HY000", "The result was closed because another statement was sent");
     d->currentRow = nullptr;
     if (!d->fetchRow(false)) return false;
     d->recNo = d->rowsSeen - 1;

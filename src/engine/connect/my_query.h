@@ -28,6 +28,8 @@ class TMyQuery {
   TMyQuery& operator=(const TMyQuery&) = delete;
 
   std::string SQL;
+  // What the monitor shows instead of SQL when not empty: the statement with a password masked.
+  std::string TracedSQL;
   bool UniDirectional = false;
   bool FetchAll = true;
 

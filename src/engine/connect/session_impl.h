@@ -37,8 +37,9 @@ struct TMyConnection::Impl {
   void close();
 
   // Sends one request, reconnecting and sending it again when the connection was lost and the
-  // lost-connection handler asks for it. Throws ServerError.
-  void send(std::string_view sql);
+  // lost-connection handler asks for it. Throws ServerError. The monitor shows traced when it is
+  // not empty.
+  void send(std::string_view sql, std::string_view traced = {});
   [[noreturn]] void fail(const ServerError& error);
   ServerError currentError() const { return errorOf(mysql); }
   void releasePending();
