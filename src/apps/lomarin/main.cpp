@@ -3,10 +3,11 @@
 #include "ui/designers/designers_commands.h"
 #include "ui/sqleditor/sqleditor_commands.h"
 #include "ui/transfer/transfer_commands.h"
+#include "ui/users/users_commands.h"
 
 int main(int argc, char** argv) {
-  return lomarin::ui::runLomarin(
-      argc, argv,
-      {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
-       lomarin::ui::installSqlEditorCommands, lomarin::ui::installDesignersCommands});
+  return lomarin::ui::runLomarin(argc, argv,
+                                 {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
+                                  lomarin::ui::installSqlEditorCommands,
+                                  lomarin::ui::installDesignersCommands, lomarin::ui::installUsersCommands});
 }
