@@ -4,6 +4,7 @@
 
 #include <QHeaderView>
 #include <QMessageBox>
+#include <QRegularExpressionValidator>
 #include <QShowEvent>
 #include <QSignalBlocker>
 
@@ -29,6 +30,11 @@ QTableWidgetItem* checkItem(bool checked) {
   item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
   item->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
   return item;
+}
+
+// A limit box holds digits only; left empty it means no limit.
+std::string limitText(const QLineEdit* box) {
+  return box->text().isEmpty() ? std::string("0") : box->text().toStdString();
 }
 
 bool isChecked(const QTableWidgetItem* item) { return item && item->checkState() == Qt::Checked; }
@@ -57,6 +63,8 @@ TformUserManager::TformUserManager(TMyConnection& session, SettingsStore& settin
   connect(ui_->cxedPassword, &QLineEdit::textEdited, this, [this] { passwordEdited_ = true; });
   connect(ui_->cxbtnOk, &QPushButton::clicked, this, &TformUserManager::cxbtnOkClick);
   connect(ui_->cxbtnCancel, &QPushButton::clicked, this, &QDialog::reject);
+  for (QLineEdit* limit : {ui_->cxqueries, ui_->cxupdates, ui_->cxConnections})
+    limit->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), limit));
   ui_->cxbtnOk->setDefault(true);
   ui_->pgcUser->setCurrentWidget(ui_->tsUserInfo);
 }
@@ -86,9 +94,9 @@ void TformUserManager::loadAccount() {
   ui_->cxedHost->setText(qs(form.Host));
   ui_->cxedPassword->setText(qs(form.Password));
   ui_->cxedPasswordre->setText(qs(form.Password));
-  ui_->cxqueries->setValue(std::stoi(form.MaxQueries));
-  ui_->cxupdates->setValue(std::stoi(form.MaxUpdates));
-  ui_->cxConnections->setValue(std::stoi(form.MaxConnections));
+  ui_->cxqueries->setText(qs(form.MaxQueries));
+  ui_->cxupdates->setText(qs(form.MaxUpdates));
+  ui_->cxConnections->setText(qs(form.MaxConnections));
   ui_->cxchkgrant->setChecked(form.GrantOption);
   for (int i = 0; i < ui_->cxchkPrivs->count(); ++i)
     ui_->cxchkPrivs->item(i)->setCheckState(form.Privileges.Global[i] ? Qt::Checked : Qt::Unchecked);
@@ -150,9 +158,9 @@ users::TUserForm TformUserManager::state() const {
   form.User = ui_->cxedUser->text().toStdString();
   form.Host = ui_->cxedHost->text().toStdString();
   form.Password = ui_->cxedPassword->text().toStdString();
-  form.MaxQueries = std::to_string(ui_->cxqueries->value());
-  form.MaxUpdates = std::to_string(ui_->cxupdates->value());
-  form.MaxConnections = std::to_string(ui_->cxConnections->value());
+  form.MaxQueries = limitText(ui_->cxqueries);
+  form.MaxUpdates = limitText(ui_->cxupdates);
+  form.MaxConnections = limitText(ui_->cxConnections);
   form.GrantOption = ui_->cxchkgrant->isChecked();
   form.PasswordEdited = passwordEdited_;
   for (int i = 0; i < ui_->cxchkPrivs->count(); ++i)

@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
@@ -82,7 +81,7 @@ class FormUserManagerTest : public QObject {
     for (const char* name : {"cxedUser", "cxedHost", "cxedPassword", "cxedPasswordre"})
       QVERIFY(child<QLineEdit>(&dialog, name));
     for (const char* name : {"cxqueries", "cxupdates", "cxConnections"})
-      QCOMPARE(child<QSpinBox>(&dialog, name)->text(), "0");
+      QCOMPARE(child<QLineEdit>(&dialog, name)->text(), "0");
     for (const char* name : {"cxchkAnyHost", "cxchkallprivs", "cxchkgrant"})
       QVERIFY(child<QCheckBox>(&dialog, name));
     QVERIFY(child<QPushButton>(&dialog, "cxbtnOk") && child<QPushButton>(&dialog, "cxbtnCancel"));
@@ -126,8 +125,8 @@ class FormUserManagerTest : public QObject {
     child<QCheckBox>(&dialog, "cxchkAnyHost")->click();
     QCOMPARE(child<QLineEdit>(&dialog, "cxedHost")->text(), "%");
     typePassword(&dialog, password);
-    child<QSpinBox>(&dialog, "cxqueries")->setValue(50);
-    child<QSpinBox>(&dialog, "cxConnections")->setValue(3);
+    setText(&dialog, "cxqueries", "50");
+    setText(&dialog, "cxConnections", "3");
     for (const char* privilege : {"Select", "Process", "Show databases"}) setGlobal(&dialog, privilege, true);
     cell(&dialog, UsersFixture::kDatabaseA, "select")->setCheckState(Qt::Checked);
     cell(&dialog, UsersFixture::kDatabaseA, "insert")->setCheckState(Qt::Checked);
@@ -186,15 +185,16 @@ class FormUserManagerTest : public QObject {
     UsersFixture f;
     const std::string user = f.userName("chg");
     const std::string account = "`" + user + "`@`127.0.0.1`";
-    lomarin::test::sideExec("GRANT SELECT, INSERT ON *.* TO " + account +
-                            " IDENTIFIED BY 'old' WITH MAX_QUERIES_PER_HOUR 10");
+    lomarin::test::sideExec(
+        "GRANT SELECT, INSERT ON *.* TO " + account +
+        " IDENTIFIED BY 'old' WITH MAX_QUERIES_PER_HOUR 10 MAX_CONNECTIONS_PER_HOUR 4294967295");
     lomarin::test::sideExec("GRANT DELETE ON users_ui_b.* TO " + account);
     {
       TformUserManager dialog(*f.session, *f.settings, f.reporter(), QString::fromStdString(user));
       dialog.show();
       QCOMPARE(child<QLineEdit>(&dialog, "cxedUser")->text(), QString::fromStdString(user));
       QCOMPARE(child<QLineEdit>(&dialog, "cxedHost")->text(), "127.0.0.1");
-      QCOMPARE(child<QSpinBox>(&dialog, "cxqueries")->value(), 10);
+      QCOMPARE(child<QLineEdit>(&dialog, "cxqueries")->text(), "10");
       QCOMPARE(globalItem(&dialog, "Insert")->checkState(), Qt::Checked);
       QCOMPARE(globalItem(&dialog, "Update")->checkState(), Qt::Unchecked);
       QCOMPARE(cell(&dialog, UsersFixture::kDatabaseB, "delete")->checkState(), Qt::Checked);
@@ -213,7 +213,7 @@ class FormUserManagerTest : public QObject {
       QCOMPARE(f.takeStatements(),
                std::vector<std::string>{"GRANT USAGE ON *.* TO " + account +
                                         " IDENTIFIED BY '********' WITH  MAX_QUERIES_PER_HOUR 10 "
-                                        "MAX_UPDATES_PER_HOUR 10 MAX_CONNECTIONS_PER_HOUR 0;\n"
+                                        "MAX_UPDATES_PER_HOUR 10 MAX_CONNECTIONS_PER_HOUR 4294967295;\n"
                                         "REVOKE Insert ON *.* FROM  " +
                                         account +
                                         ";\n"
@@ -225,7 +225,8 @@ class FormUserManagerTest : public QObject {
     QCOMPARE(f.grants(user, "127.0.0.1"),
              (std::vector<std::string>{"GRANT SELECT, UPDATE ON *.* TO " + account +
                                            " IDENTIFIED BY PASSWORD '" + hashOf(f, "new pw") +
-                                           "' WITH MAX_QUERIES_PER_HOUR 10 MAX_UPDATES_PER_HOUR 10",
+                                           "' WITH MAX_QUERIES_PER_HOUR 10 MAX_UPDATES_PER_HOUR 10 "
+                                           "MAX_CONNECTIONS_PER_HOUR 4294967295",
                                        "GRANT DELETE ON `users_ui_b`.* TO " + account}));
 
     // Untouched, the stored hash in the password boxes is never sent.
@@ -238,7 +239,7 @@ class FormUserManagerTest : public QObject {
     QCOMPARE(f.takeStatements(),
              std::vector<std::string>{"GRANT USAGE ON *.* TO " + account +
                                       " WITH  MAX_QUERIES_PER_HOUR 10 MAX_UPDATES_PER_HOUR 10 "
-                                      "MAX_CONNECTIONS_PER_HOUR 0 ;"});
+                                      "MAX_CONNECTIONS_PER_HOUR 4294967295 ;"});
     QVERIFY(f.logsIn(user, "new pw"));
   }
 
