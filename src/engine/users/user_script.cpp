@@ -64,7 +64,8 @@ std::string revokeGlobal(std::string_view privilege, const std::string& account)
   return "REVOKE " + std::string(privilege) + " ON *.* FROM  " + account + ";";
 }
 
-// The schema statements take the account and terminator of the global ones.
+// The schema statements take the account and terminator of the global ones: the whole script goes
+// to the server as one request, so every statement needs its ";".
 std::string grantSchema(std::string_view privilege, const std::string& database, const std::string& account) {
   return "GRANT " + std::string(privilege) + " ON " + database + ".* TO  " + account + ";";
 }
