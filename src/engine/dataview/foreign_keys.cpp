@@ -2,6 +2,7 @@
 
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
+#include "engine/dataview/limit_paging.h"
 
 namespace lomarin::dataview {
 
@@ -46,6 +47,21 @@ void TMyFKS::Load(TMyConnection& session, const std::string& schema, const std::
 std::string TMyFKS::ReferencedValuesSQL(const TMyFK& key) {
   return "select " + key.REFERENCED_COLUMN_NAME + " from " + key.REFERENCED_TABLE_SCHEMA + "." +
          key.REFERENCED_TABLE_NAME;
+}
+
+std::string TMyFKS::ReferencedValuesPageSQL(const TMyFK& key, int64_t start, int64_t size) {
+  return ReferencedValuesSQL(key) + "\n" + LimitClause(start, size);
+}
+
+std::vector<std::string> TMyFKS::ReadReferencedValues(TMyConnection& session, const TMyFK& key, int64_t start,
+                                                      int64_t size) {
+  TMyQuery query(session);
+  query.SQL = ReferencedValuesPageSQL(key, start, size);
+  query.Open();
+  std::vector<std::string> values;
+  while (query.Next())
+    if (!query.IsNull(0)) values.emplace_back(query.Value(0));
+  return values;
 }
 
 }  // namespace lomarin::dataview

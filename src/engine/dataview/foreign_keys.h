@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,12 @@ class TMyFKS {
 
   // The candidate values of a key's referenced column.
   static std::string ReferencedValuesSQL(const TMyFK& key);
+  // One page of them, the statement ending with the limit bar's clause on its own line like a browsed
+  // table, so a drop-down never reads more than a page at once.
+  static std::string ReferencedValuesPageSQL(const TMyFK& key, int64_t start, int64_t size);
+  // That page's values, NULLs left out (they cannot be chosen as a reference).
+  static std::vector<std::string> ReadReferencedValues(TMyConnection& session, const TMyFK& key,
+                                                       int64_t start, int64_t size);
 
  private:
   std::vector<TMyFK> items_;

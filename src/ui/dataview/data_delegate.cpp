@@ -1,5 +1,6 @@
 #include "ui/dataview/data_delegate.h"
 
+#include <QComboBox>
 #include <QDateTimeEdit>
 #include <QLineEdit>
 
@@ -33,6 +34,8 @@ TDataDelegate::TDataDelegate(TDataModel* model, QObject* parent)
 
 QWidget* TDataDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                                      const QModelIndex& index) const {
+  if (ForeignEditor)
+    if (QWidget* editor = ForeignEditor(parent, index.column())) return editor;
   const TMyField& field = model_->fields().at(static_cast<size_t>(index.column()));
   const QString text = index.data(Qt::EditRole).toString();
   // Zero dates and times beyond 24 hours have no picker form: they are edited as text.
@@ -74,6 +77,8 @@ void TDataDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, con
   auto* line = qobject_cast<QLineEdit*>(editor);
   // An unchanged NULL stays NULL instead of becoming an empty string.
   if (line && line->text().isEmpty() && !line->isModified() && index.data(Qt::EditRole).isNull()) return;
+  auto* box = qobject_cast<QComboBox*>(editor);
+  if (box && box->currentText().isEmpty() && index.data(Qt::EditRole).isNull()) return;
   QStyledItemDelegate::setModelData(editor, model, index);
 }
 

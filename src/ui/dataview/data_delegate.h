@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStyledItemDelegate>
+#include <functional>
 
 namespace lomarin::ui {
 
@@ -17,6 +18,9 @@ class TDataDelegate : public QStyledItemDelegate {
                         const QModelIndex& index) const override;
   void setEditorData(QWidget* editor, const QModelIndex& index) const override;
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
+
+  // The editor of a column that references another table, or null for the editors by type.
+  std::function<QWidget*(QWidget* parent, int column)> ForeignEditor;
 
  private:
   TDataModel* model_;

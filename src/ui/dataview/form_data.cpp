@@ -139,6 +139,7 @@ void TformData::loadData() {
   if (!isView_ && session_.ServerMajorVersion() >= 5) {
     try {
       foreignKeys_.Load(session_, database_, table_);
+      frame_->SetForeignKeys(foreignKeys_.Items());
     } catch (const ServerError&) {
       // Shown by the session's error handler; the list stays empty.
     }

@@ -14,6 +14,8 @@
 #include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <stdexcept>
 
 #include "engine/app/settings_store.h"
 #include "engine/connect/my_query.h"
@@ -21,6 +23,7 @@
 #include "ui/dataview/data_card.h"
 #include "ui/dataview/data_delegate.h"
 #include "ui/dataview/data_model.h"
+#include "ui/dataview/foreign_key_box.h"
 #include "ui/dataview/form_limit_settings.h"
 #include "ui/focus_return.h"
 
@@ -114,7 +117,8 @@ void TframeData::buildUi() {
   grid_ = new QTableView(pages_);
   grid_->setObjectName("cxdbgrData");
   grid_->setModel(model_);
-  grid_->setItemDelegate(new TDataDelegate(model_, grid_));
+  delegate_ = new TDataDelegate(model_, grid_);
+  grid_->setItemDelegate(delegate_);
   grid_->setSelectionBehavior(QAbstractItemView::SelectItems);
   grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
   grid_->verticalHeader()->setDefaultSectionSize(grid_->fontMetrics().height() + 6);
@@ -277,6 +281,27 @@ bool TframeData::OpenSQL(const std::string& sql) {
 bool TframeData::Refresh() {
   model_->forgetTable();
   return reopen(sql_);
+}
+
+void TframeData::SetForeignKeys(const std::vector<dataview::TMyFK>& keys) {
+  delegate_->ForeignEditor = [this, keys](QWidget* parent, int column) -> QWidget* {
+    const TMyField& field = model_->fields().at(static_cast<size_t>(column));
+    const std::string& name = field.OrgName.empty() ? field.Name : field.OrgName;
+    const auto key = std::find_if(keys.begin(), keys.end(),
+                                  [&](const dataview::TMyFK& k) { return k.COLUMN_NAME == name; });
+    if (key == keys.end()) return nullptr;
+    int64_t size = 0;
+    try {
+      size = dataview::ParsePageSize(cxspnLimit_->text().toStdString());
+    } catch (const std::invalid_argument&) {
+      return nullptr;  // without a page size the values are not read; the cell takes typed text
+    }
+    return new TForeignKeyBox(
+        [this, key = *key, size](int64_t start) {
+          return dataview::TMyFKS::ReadReferencedValues(session_, key, start, size);
+        },
+        size, parent);
+  };
 }
 
 bool TframeData::LimitActive() const { return !cxgrbolimit_->isHidden() && cxchkActive_->isChecked(); }

@@ -10,6 +10,7 @@
 #include "engine/connect/my_query.h"
 #include "engine/dataview/browse_sql.h"
 #include "engine/dataview/exporters.h"
+#include "engine/dataview/foreign_keys.h"
 #include "engine/dataview/limit_paging.h"
 
 class QAction;
@@ -30,6 +31,7 @@ namespace lomarin::ui {
 
 class TDataModel;
 class TDataCard;
+class TDataDelegate;
 
 // The data grid embedded by every document that shows rows: a grid ("&Data") and a one-record
 // card ("&Form") over a result of the session, the LIMIT bar for paging through a table, the
@@ -65,6 +67,9 @@ class TframeData : public QWidget {
   bool OpenSQL(const std::string& sql);
   // Shows the result of a query opened elsewhere, without the limit bar.
   bool ShowQuery(std::unique_ptr<TMyQuery> query);
+  // Cells of these referencing columns are edited with a drop-down of the referenced values, read
+  // in pages of the limit bar's size.
+  void SetForeignKeys(const std::vector<dataview::TMyFK>& keys);
   // Empties the grid, columns included.
   void ClearResult();
   // Reopens the current statement.
@@ -144,6 +149,7 @@ class TframeData : public QWidget {
   TMyConnection& session_;
   SettingsStore& settings_;
   TDataModel* model_;
+  TDataDelegate* delegate_ = nullptr;
   dataview::TLimitPaging paging_;
   std::vector<dataview::SortColumn> sortColumns_;
   std::string sql_;
