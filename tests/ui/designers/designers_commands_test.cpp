@@ -42,6 +42,10 @@ QStringList childTexts(QTreeWidgetItem* parent) {
   return texts;
 }
 
+constexpr const char* kCommands[] = {"actNewTable",    "actNewCclumn",   "actRename",    "actCloneObject",
+                                     "actCloneObj",    "actIndex",       "actDropIndex", "actConstraint",
+                                     "actAddDatabase", "actDropDatabase"};
+
 class DesignersCommandsTest : public QObject {
   Q_OBJECT
  private slots:
@@ -50,13 +54,11 @@ class DesignersCommandsTest : public QObject {
     lomarin::test::FreshSettings fresh;
     Tformppal window(*fresh.store);
     lomarin::ui::installDesignersCommands(window);
-    for (const char* name : {"actNewTable", "actNewCclumn", "actIndex", "actDropIndex", "actConstraint"})
-      QVERIFY2(!window.actions().action(name)->isEnabled(), name);
+    for (const char* name : kCommands) QVERIFY2(!window.actions().action(name)->isEnabled(), name);
     window.MySqlSession.Settings = lomarin::test::serverSettings();
     window.MySqlSession.Settings.Database = DesignersFixture::kDatabase;
     window.MySqlSession.Connect();
-    for (const char* name : {"actNewTable", "actNewCclumn", "actIndex", "actDropIndex", "actConstraint"})
-      QVERIFY2(window.actions().action(name)->isEnabled(), name);
+    for (const char* name : kCommands) QVERIFY2(window.actions().action(name)->isEnabled(), name);
 
     QTreeWidget* tree = window.explorer()->tree();
     QTreeWidgetItem* database = childNamed(tree->topLevelItem(0), DesignersFixture::kDatabase);

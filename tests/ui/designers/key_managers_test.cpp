@@ -91,6 +91,15 @@ class KeyManagersTest : public QObject {
       QVERIFY(child<QLineEdit>(&dialog, "edtIndexName")->text().isEmpty());
       QCOMPARE(columns->topLevelItem(1)->checkState(0), Qt::Unchecked);
     }
+    // The server refuses a name in use: the dialog keeps the name and the checked columns.
+    child<QLineEdit>(&dialog, "edtIndexName")->setText("ix_a");
+    check(columns, {"b"});
+    child<QPushButton>(&dialog, "btnOk")->click();
+    QCOMPARE(f.serverErrors.size(), size_t(1));
+    QCOMPARE(child<QLineEdit>(&dialog, "edtIndexName")->text(), QString("ix_a"));
+    QCOMPARE(columns->topLevelItem(2)->checkState(0), Qt::Checked);
+    f.serverErrors.clear();
+
     const std::string created = f.createText("p");
     for (const char* key : {"UNIQUE KEY `ix_a` (`a`,`b`)", "KEY `ix_n` (`a`)", "FULLTEXT KEY `ix_f` (`body`)",
                             "SPATIAL KEY `ix_s` (`g`)"})
