@@ -89,7 +89,10 @@ void TSshTunnel::Impl::forward(int fd) {
       }
     }
     const std::string reason = forwarder->open(fd, settings.TargetHost, settings.TargetPort);
-    if (reason.empty()) return;
+    if (reason.empty()) {
+      noteError({});
+      return;
+    }
     noteError("The SSH server did not forward to " + settings.TargetHost + ":" +
               std::to_string(settings.TargetPort) + ": " + reason);
     if (forwarder->connected()) break;

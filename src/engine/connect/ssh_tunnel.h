@@ -40,7 +40,8 @@ class TSshTunnel {
   bool IsOpen() const;
   // The loopback port the session connects to; 0 while closed.
   int LocalPort() const;
-  // Why the latest login again, or a channel, failed; empty when none did.
+  // Why the latest connection made to the port could not be forwarded (the login again or the
+  // channel failed); empty when it was.
   std::string LastError() const;
 
  private:

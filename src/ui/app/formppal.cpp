@@ -20,21 +20,25 @@
 #include "engine/app/shell_text.h"
 #include "engine/connect/accounts.h"
 #include "engine/connect/server_version.h"
+#include "engine/connect/ssh_key_store.h"
 #include "ui/app/editor_ex.h"
-#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/exception_dialog.h"
+#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/main_actions.h"
 #include "ui/app/monitor_relay.h"
 #include "ui/app/options_dialog.h"
 #include "ui/app/select_database.h"
 #include "ui/app/window_layout.h"
 #include "ui/connect/form_connect.h"
+#include "ui/connect/form_key_manager.h"
 #include "ui/connect/lost_connection_prompt.h"
 
 namespace lomarin::ui {
 namespace {
 
-QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+QString qs(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
 
 // The wait cursor for the length of one step, however the step ends.
 class WaitCursor {
@@ -123,7 +127,11 @@ void Tformppal::wireSession() {
   };
   events.AfterConnect = [this] { onAfterConnect(); };
   events.BeforeDisconnect = [this] { onBeforeDisconnect(); };
-  events.AfterDisconnect = [this] { emit connectionChanged(); };
+  events.AfterDisconnect = [this] {
+    SshTunnel.Close();
+    MySqlSession.Settings.TunnelPort = 0;
+    emit connectionChanged();
+  };
   events.OnError = [this](const ServerError& error) { onSessionError(error); };
   events.OnConnectionLost = [this] { return lostConnection_.onConnectionLost(); };
 }
@@ -152,6 +160,10 @@ void Tformppal::registerHandlers() {
       ExecSQLText(MySqlSession, statement);
     });
   }
+  a.setHandler("actKeyManager", [this] {
+    TformKeyManager dialog(TSshKeyStore(SshKeyStoreFolder(settings_)), this);
+    dialog.exec();
+  });
   a.setHandler("actOptions", [this] {
     TforOptions dialog(settings_, this);
     dialog.exec();
@@ -268,7 +280,11 @@ void Tformppal::showUnhandledError(const std::exception& error) {
 }
 
 void Tformppal::onSessionError(const ServerError& error) {
-  ShowServerError(QString::fromStdString(sessionErrorText(error.number(), error.message())));
+  std::string text = sessionErrorText(error.number(), error.message());
+  // The client library only saw the loopback port close; the tunnel knows why.
+  if (const std::string reason = SshTunnel.LastError(); SshTunnel.IsOpen() && !reason.empty())
+    text += "\n" + reason;
+  ShowServerError(QString::fromStdString(text));
 }
 
 void Tformppal::connectToggle() {
@@ -277,7 +293,7 @@ void Tformppal::connectToggle() {
     setWindowTitle(qs(kProductTitle));
     return;
   }
-  TformConnect dialog(settings_, MySqlSession, this);
+  TformConnect dialog(settings_, MySqlSession, SshTunnel, this);
   connect(&dialog, &TformConnect::aboutToConnect, explorer_, &TframeExplorer::setDatabaseFilter);
   if (dialog.exec() != QDialog::Accepted) return;
   const TAccount& account = dialog.connectedAccount();

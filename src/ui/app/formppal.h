@@ -10,6 +10,7 @@
 #include "engine/connect/lost_connection.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/sql_monitor.h"
+#include "engine/connect/ssh_tunnel.h"
 #include "engine/sqleditor/editor_file_format.h"
 
 class QDockWidget;
@@ -37,7 +38,12 @@ class Tformppal : public QMainWindow {
   ~Tformppal() override;
 
   TMySQLMonitor MySqlMonitor;
+  // Outlives the session, whose connections may run through it.
+  TSshTunnel SshTunnel;
   TMyConnection MySqlSession;
+
+  // The current connection runs through the SSH tunnel.
+  bool IsSSHTunnel() const { return SshTunnel.IsOpen(); }
 
   SettingsStore& settings() { return settings_; }
   MainActions& actions() { return *actions_; }

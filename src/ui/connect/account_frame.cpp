@@ -1,8 +1,11 @@
 #include "ui/connect/account_frame.h"
 
 #include <QFileDialog>
+#include <QSignalBlocker>
 
 #include "engine/connect/accounts_choices.h"
+#include "engine/connect/ssh_key_store.h"
+#include "ui/connect/form_client_key.h"
 #include "ui_account_frame.h"
 
 namespace lomarin::ui {
@@ -41,9 +44,35 @@ TframeAccount::TframeAccount(QWidget* parent) : QWidget(parent), ui_(std::make_u
                                                           {ui_->btnClientKey, ui_->edtClientKey}};
   for (auto [button, edit] : browsers)
     connect(button, &QToolButton::clicked, this, [this, edit = edit] { browseFor(edit); });
+
+  connect(ui_->btnNewKey, &QPushButton::clicked, this,
+          [this] { fillKeyList(askNewClientKey(this, keyStore_)); });
+  connect(ui_->btnImportKey, &QPushButton::clicked, this,
+          [this] { fillKeyList(askImportClientKey(this, keyStore_)); });
+  connect(ui_->btnDeleteKey, &QPushButton::clicked, this, [this] {
+    if (askDeleteClientKey(this, keyStore_, ui_->cboSSHKey->currentText())) fillKeyList({});
+  });
+  connect(ui_->cboSSHKey, &QComboBox::currentIndexChanged, this,
+          [this](int index) { ui_->btnDeleteKey->setEnabled(index >= 0); });
 }
 
 TframeAccount::~TframeAccount() = default;
+
+void TframeAccount::setKeyStoreFolder(const std::filesystem::path& folder) {
+  keyStore_ = TSshKeyStore(folder);
+  fillKeyList({});
+}
+
+void TframeAccount::fillKeyList(const QString& chosen) {
+  {
+    const QSignalBlocker blocker(ui_->cboSSHKey);
+    ui_->cboSSHKey->clear();
+    for (const std::string& name : keyStore_.clientKeyNames()) ui_->cboSSHKey->addItem(q(name));
+    ui_->cboSSHKey->setCurrentIndex(-1);
+  }
+  ui_->cboSSHKey->setCurrentIndex(ui_->cboSSHKey->findText(chosen));
+  ui_->btnDeleteKey->setEnabled(ui_->cboSSHKey->currentIndex() >= 0);
+}
 
 void TframeAccount::browseFor(QLineEdit* edit) {
   const QString file = QFileDialog::getOpenFileName(this, tr("Choose a file"), edit->text());

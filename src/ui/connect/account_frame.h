@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QWidget>
+#include <filesystem>
 #include <memory>
 
 #include "engine/connect/accounts.h"
+#include "engine/connect/ssh_key_store.h"
 
 class QComboBox;
 class QLineEdit;
@@ -30,9 +32,17 @@ class TframeAccount : public QWidget {
 
   Ui::TframeAccount& fields() { return *ui_; }
 
+  // Lists the client keys of the SSH key store in this folder, whose keys the SSH page's buttons
+  // make, import and delete; nothing is chosen.
+  void setKeyStoreFolder(const std::filesystem::path& folder);
+
  private:
   void browseFor(QLineEdit* edit);
 
+  // Lists the keys and chooses `chosen` when the store holds it.
+  void fillKeyList(const QString& chosen);
+
+  TSshKeyStore keyStore_{std::filesystem::path()};
   std::unique_ptr<Ui::TframeAccount> ui_;
 };
 

@@ -5,11 +5,16 @@
 
 namespace lomarin::ui {
 
-TformAccount::TformAccount(TAccountStore& store, const QString& accountName, QWidget* parent)
-    : QDialog(parent), store_(store), adding_(accountName.isEmpty()), ui_(std::make_unique<Ui::TformAccount>()) {
+TformAccount::TformAccount(TAccountStore& store, const QString& accountName,
+                           const std::filesystem::path& keyStoreFolder, QWidget* parent)
+    : QDialog(parent),
+      store_(store),
+      adding_(accountName.isEmpty()),
+      ui_(std::make_unique<Ui::TformAccount>()) {
   ui_->setupUi(this);
   ui_->edtName->setText(accountName);
   ui_->edtName->setReadOnly(!adding_);
+  ui_->frmAccount->setKeyStoreFolder(keyStoreFolder);
   ui_->frmAccount->setAccount(store.load(accountName.toStdString()).value_or(TAccount{}));
   setWindowTitle(adding_ ? tr("New account") : tr("Edit account"));
   connect(ui_->btnOk, &QPushButton::clicked, this, &TformAccount::btnOkClick);

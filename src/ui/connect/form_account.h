@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <filesystem>
 #include <memory>
 
 #include "engine/connect/accounts.h"
@@ -11,11 +12,13 @@ class TformAccount;
 
 namespace lomarin::ui {
 
-// The account editor. With an empty name it adds a new account; otherwise it edits that one.
+// The account editor. With an empty name it adds a new account; otherwise it edits that one. Its SSH
+// page lists the client keys of the key store in keyStoreFolder.
 class TformAccount : public QDialog {
   Q_OBJECT
  public:
-  TformAccount(TAccountStore& store, const QString& accountName, QWidget* parent = nullptr);
+  TformAccount(TAccountStore& store, const QString& accountName, const std::filesystem::path& keyStoreFolder,
+               QWidget* parent = nullptr);
   ~TformAccount() override;
 
   QString accountName() const;

@@ -1,13 +1,16 @@
 #include "ui/connect/form_connect.h"
 
 #include <QApplication>
-#include <QSignalBlocker>
 #include <QMessageBox>
+#include <QSignalBlocker>
 #include <QStyle>
 
 #include "engine/app/settings_store.h"
 #include "engine/connect/accounts_session.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/ssh_account.h"
+#include "engine/connect/ssh_error.h"
+#include "engine/connect/ssh_key_store.h"
 #include "ui/connect/account_frame.h"
 #include "ui/connect/connect_memory.h"
 #include "ui/connect/connect_message.h"
@@ -29,10 +32,12 @@ QIcon accountIcon(bool usesSsh) {
 
 }  // namespace
 
-TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, QWidget* parent)
+TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, TSshTunnel& tunnel,
+                           QWidget* parent)
     : QDialog(parent),
       settings_(settings),
       session_(session),
+      tunnel_(tunnel),
       accounts_(settings),
       ui_(std::make_unique<Ui::TformConnect>()) {
   ui_->setupUi(this);
@@ -41,7 +46,8 @@ TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, QWid
   readDefaults();
   fillAccountList();
 
-  connect(ui_->lvAccounts, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
+  connect(ui_->lvAccounts, &QTreeWidget::itemClicked, this,
+          [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
   connect(ui_->lvAccounts, &QTreeWidget::currentItemChanged, this,
           [this](QTreeWidgetItem* item) { lvAccountsClick(item); });
   // A double-click on an account connects with it; Enter in the list reaches the default button.
@@ -76,17 +82,20 @@ void TformConnect::readDefaults() {
     f.edtPHPUrl->setText(memory->phpUrl);
   }
   if (settings_.read(opt::SavePassWord)) f.edtPassword->setText(q(settings_.read(opt::DefaultPassword)));
-  if (settings_.read(opt::DefaultHostOption)) chooseText(f.cboServer, q(settings_.read(opt::DefaultDatabaseHost)));
+  if (settings_.read(opt::DefaultHostOption))
+    chooseText(f.cboServer, q(settings_.read(opt::DefaultDatabaseHost)));
   bool ok = false;
   const int port = q(settings_.read(opt::DefaultDatabasePort, std::to_string(f.spnPort->value()))).toInt(&ok);
   if (ok) f.spnPort->setValue(port);
   f.chkShowAllDatabases->setChecked(settings_.read(opt::ShowAllDatabase));
+  ui_->frmAccount->setKeyStoreFolder(SshKeyStoreFolder(settings_));
 }
 
 void TformConnect::fillAccountList() {
   ui_->lvAccounts->clear();
   for (const auto& row : accounts_.list()) {
-    auto* item = new QTreeWidgetItem(ui_->lvAccounts, {q(row.Name), q(row.Login), q(row.Server), q(row.Database)});
+    auto* item =
+        new QTreeWidgetItem(ui_->lvAccounts, {q(row.Name), q(row.Login), q(row.Server), q(row.Database)});
     item->setIcon(0, accountIcon(row.UsesSSH));
     item->setData(0, kUsesSshRole, row.UsesSSH);
   }
@@ -118,7 +127,7 @@ void TformConnect::lvAccountsClick(QTreeWidgetItem* item) {
 }
 
 void TformConnect::btnAddClick() {
-  TformAccount editor(accounts_, QString(), this);
+  TformAccount editor(accounts_, QString(), SshKeyStoreFolder(settings_), this);
   if (editor.exec() == QDialog::Accepted) fillAccountList();
 }
 
@@ -126,7 +135,7 @@ void TformConnect::btnEditClick() {
   auto* item = ui_->lvAccounts->currentItem();
   if (!item) return;
   const QString name = item->text(0);
-  TformAccount editor(accounts_, name, this);
+  TformAccount editor(accounts_, name, SshKeyStoreFolder(settings_), this);
   if (editor.exec() != QDialog::Accepted) return;
   fillAccountList();
   const auto found = ui_->lvAccounts->findItems(name, Qt::MatchFixedString);
@@ -147,11 +156,6 @@ void TformConnect::btnDeleteClick() {
 
 void TformConnect::btnOkClick() {
   const TAccount account = ui_->frmAccount->account();
-  if (account.UseSSH) {
-    showConnectMessage(this, tr("Connecting through the SSH tunnel is not available yet. "
-                                "Clear \"Connect through the SSH shell\" to connect directly."));
-    return;
-  }
   if (account.UsePHP) {
     showConnectMessage(this, tr("Connecting through the PHP tunnel is not available yet. "
                                 "Clear \"Connect through the PHP tunneling\" to connect directly."));
@@ -161,11 +165,15 @@ void TformConnect::btnOkClick() {
   emit aboutToConnect(filter);
   QApplication::setOverrideCursor(Qt::WaitCursor);
   try {
-    session_.Connect();
+    ConnectThroughAccountTunnel(session_, tunnel_, account, SshKeyStoreFolder(settings_));
   } catch (const ServerError& error) {
     QApplication::restoreOverrideCursor();
     if (!session_.Events.OnError)
       showConnectMessage(this, QString::number(error.number()) + "\n" + q(error.message()));
+    return;
+  } catch (const TSshError& error) {
+    QApplication::restoreOverrideCursor();
+    showConnectMessage(this, QString::fromUtf8(error.what()));
     return;
   }
   QApplication::restoreOverrideCursor();

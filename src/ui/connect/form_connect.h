@@ -13,6 +13,7 @@ class TformConnect;
 namespace lomarin {
 class SettingsStore;
 class TMyConnection;
+class TSshTunnel;
 }  // namespace lomarin
 
 class QTreeWidgetItem;
@@ -20,13 +21,14 @@ class QTreeWidgetItem;
 namespace lomarin::ui {
 
 // The connection manager: the stored accounts and the fields of one connection. "&Ok" copies the
-// fields onto the session and connects it; the dialog closes only when the session is connected,
-// otherwise the error is shown (by the session's OnError handler when there is one) and every
-// field keeps what the user typed.
+// fields onto the session and connects it, through the SSH tunnel when the SSH page asks for it;
+// the dialog closes only when the session is connected, otherwise the error is shown (by the
+// session's OnError handler when there is one) and every field keeps what the user typed.
 class TformConnect : public QDialog {
   Q_OBJECT
  public:
-  TformConnect(SettingsStore& settings, TMyConnection& session, QWidget* parent = nullptr);
+  TformConnect(SettingsStore& settings, TMyConnection& session, TSshTunnel& tunnel,
+               QWidget* parent = nullptr);
   ~TformConnect() override;
 
   // The account chosen in the list when the connect was made; empty when none was.
@@ -54,6 +56,7 @@ class TformConnect : public QDialog {
 
   SettingsStore& settings_;
   TMyConnection& session_;
+  TSshTunnel& tunnel_;
   TAccountStore accounts_;
   TAccount connected_;
   QString databaseFilter_;

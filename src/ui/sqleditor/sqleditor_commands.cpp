@@ -40,6 +40,7 @@ TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>
   context.ShowServerError = [&window](const QString& message) { window.ShowServerError(message); };
   context.CurrentDb = [&window] { return window.currentdb(); };
   context.FileChoices = [&window] { return window.editorFileChoices(); };
+  context.IsSSHTunnel = [&window] { return window.IsSSHTunnel(); };
   return new TformSQLEditor(context);
 }
 

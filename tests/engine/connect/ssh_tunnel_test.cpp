@@ -213,6 +213,21 @@ TEST_F(SshReconnectTest, AKilledSshConnectionComesBackWithTheSession) {
   EXPECT_EQ(test::scalar(session, "SELECT COUNT(*) > 0 FROM lomarin_demo.customers"), "1");
 }
 
+TEST_F(SshReconnectTest, ALoginAgainThatFailsLeavesItsReasonUntilAConnectionIsForwarded) {
+  store.deleteClientKey("tests");
+  ASSERT_GT(test::killSshConnections(), 0);
+  EXPECT_THROW(test::scalar(session, "SELECT 1"), ServerError);
+  EXPECT_EQ(tunnel.LastError(), kPrivateKeyEmpty);
+
+  store.newClientKey("tests", TSshKeyType::Ed25519);
+  test::authorizeKey(store.publicLine("tests"));
+  TMyConnection again;
+  again.Settings = session.Settings;
+  again.Connect();
+  EXPECT_EQ(test::scalar(again, "SELECT 3"), "3");
+  EXPECT_EQ(tunnel.LastError(), "");
+}
+
 TEST_F(SshReconnectTest, KillQueryGoesThroughTheTunnelAndStopsASleepQuickly) {
   const unsigned long threadId = session.ThreadId();
   auto sleeping = std::async(std::launch::async, [this] {

@@ -1,3 +1,5 @@
+#include "ui/connect/form_connect.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -13,12 +15,14 @@
 #include "engine/connect/accounts.h"
 #include "engine/connect/accounts_cipher.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/ssh_key_store.h"
+#include "engine/connect/ssh_tunnel.h"
 #include "modal_helper.h"
 #include "test_server.h"
+#include "test_ssh_server.h"
 #include "ui/connect/account_frame.h"
 #include "ui/connect/connect_memory.h"
 #include "ui/connect/connect_message.h"
-#include "ui/connect/form_connect.h"
 #include "ui_test_registry.h"
 
 using namespace lomarin;
@@ -51,6 +55,7 @@ class FormConnectTest : public QObject {
 
   std::unique_ptr<QTemporaryDir> dir_;
   std::unique_ptr<SettingsStore> settings_;
+  TSshTunnel tunnel_;
   TMyConnection session_;
 
   std::string raw(const std::string& account, const char* value) {
@@ -66,13 +71,15 @@ class FormConnectTest : public QObject {
   }
 
   void namedWidgetsAndLists() {
-    ui::TformConnect form(*settings_, session_);
-    for (const char* name : {"lvAccounts", "btnAdd", "btnEdit", "btnDelete", "btnOk", "btnCancel", "edtLogin",
-                             "edtPassword", "cboServer", "cboDatabase", "spnPort", "chkShowAllDatabases",
-                             "chkDirect", "chkSSH", "edtSSHServer", "spnSSHPort", "cboSSHKey", "chkPHP",
-                             "edtPHPUrl", "edtProxyHost", "spnProxyPort", "chkSSL", "edtCACert", "edtCert",
-                             "edtCipherList", "edtClientKey", "spnTimeout", "cboFontFormat", "cboFontEncoding",
-                             "chkCompression", "chkUnicode"})
+    ui::TformConnect form(*settings_, session_, tunnel_);
+    for (const char* name : {"lvAccounts",      "btnAdd",         "btnEdit",      "btnDelete",
+                             "btnOk",           "btnCancel",      "edtLogin",     "edtPassword",
+                             "cboServer",       "cboDatabase",    "spnPort",      "chkShowAllDatabases",
+                             "chkDirect",       "chkSSH",         "edtSSHServer", "spnSSHPort",
+                             "cboSSHKey",       "chkPHP",         "edtPHPUrl",    "edtProxyHost",
+                             "spnProxyPort",    "chkSSL",         "edtCACert",    "edtCert",
+                             "edtCipherList",   "edtClientKey",   "spnTimeout",   "cboFontFormat",
+                             "cboFontEncoding", "chkCompression", "chkUnicode"})
       QVERIFY2(form.findChild<QWidget*>(name), name);
     QCOMPARE(child<QLabel>(&form, "lblTitle")->text(), QString("Lomarin for MySQL 6.0"));
     QCOMPARE(child<QPushButton>(&form, "btnOk")->text(), QString("&Ok"));
@@ -96,7 +103,7 @@ class FormConnectTest : public QObject {
     settings_->write(opt::DefaultDatabasePort, "3310");
     settings_->write(opt::ShowAllDatabase, true);
     {
-      ui::TformConnect form(*settings_, session_);
+      ui::TformConnect form(*settings_, session_, tunnel_);
       QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString("remembered"));
       QCOMPARE(child<QComboBox>(&form, "cboServer")->currentText(), QString("db.lan"));
       QCOMPARE(child<QSpinBox>(&form, "spnPort")->value(), 3310);
@@ -104,13 +111,13 @@ class FormConnectTest : public QObject {
     }
     settings_->write(opt::SavePassWord, false);
     settings_->write(opt::DefaultHostOption, false);
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString());
     QCOMPARE(child<QComboBox>(&form, "cboServer")->currentText(), QString());
   }
 
   void addingAccountsThroughTheEditor() {
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     form.show();
     const auto addAccount = [&](const QString& name, bool ssh, QString* message) {
       whenModal("TformAccount", [=](QWidget* editor) {
@@ -173,7 +180,7 @@ class FormConnectTest : public QObject {
     a.UseSSL = true;
     a.SSLCACert = "/ca.pem";
     TAccountStore(*settings_).add("stored", a);
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     auto* list = child<QTreeWidget>(&form, "lvAccounts");
     list->setCurrentItem(list->topLevelItem(0));
     QCOMPARE(child<QLineEdit>(&form, "edtPassword")->text(), QString::fromStdString(a.Password));
@@ -187,7 +194,7 @@ class FormConnectTest : public QObject {
 
   void connectingWithAStoredAccount() {
     TAccountStore(*settings_).add("Local sandbox", sandboxAccount());
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     QString filterSeen;
     connect(&form, &ui::TformConnect::aboutToConnect, this, [&](const QString& f) { filterSeen = f; });
     int connects = 0;
@@ -220,7 +227,7 @@ class FormConnectTest : public QObject {
     QCOMPARE(memory->clientCharset, QString("default"));
 
     // The next opening starts from what was used last.
-    ui::TformConnect again(*settings_, session_);
+    ui::TformConnect again(*settings_, session_, tunnel_);
     QCOMPARE(child<QComboBox>(&again, "cboServer")->currentText(), QString::fromStdString(server.Server));
     QCOMPARE(child<QLineEdit>(&again, "edtLogin")->text(), QString::fromStdString(server.Username));
   }
@@ -234,7 +241,7 @@ class FormConnectTest : public QObject {
     TAccountStore(*settings_).add("Encrypted", ssl);
     session_.Settings.SocketPath = qEnvironmentVariable("LOMARIN_TEST_SOCKET").toStdString();
     QVERIFY(!session_.Settings.SocketPath.empty());
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     form.show();
     auto* list = child<QTreeWidget>(&form, "lvAccounts");
     QString refused;
@@ -253,7 +260,8 @@ class FormConnectTest : public QObject {
     QVERIFY2(refused.isEmpty(), qPrintable(refused));
     QVERIFY(session_.Connected());
     const std::string cipher = test::scalar(
-        session_, "SELECT VARIABLE_VALUE FROM information_schema.SESSION_STATUS WHERE VARIABLE_NAME = 'Ssl_cipher'");
+        session_,
+        "SELECT VARIABLE_VALUE FROM information_schema.SESSION_STATUS WHERE VARIABLE_NAME = 'Ssl_cipher'");
     QVERIFY(!cipher.empty());
     QCOMPARE(cipher, session_.SslCipher());
   }
@@ -262,7 +270,7 @@ class FormConnectTest : public QObject {
     TAccountStore store(*settings_);
     store.add("keep", sandboxAccount());
     store.add("work", sandboxAccount());
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     form.show();
     auto* list = child<QTreeWidget>(&form, "lvAccounts");
     list->setCurrentItem(list->topLevelItem(1));
@@ -289,7 +297,7 @@ class FormConnectTest : public QObject {
   void aFailedConnectKeepsTheDialogAndItsInput() {
     TAccount wrong = sandboxAccount();
     wrong.Password = "not the password";
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     form.show();
     child<ui::TframeAccount>(&form, "frmAccount")->setAccount(wrong);
     QString shown;
@@ -306,33 +314,66 @@ class FormConnectTest : public QObject {
     QVERIFY(!settings_->read(opt::DefaultDatabasePort, "").size());
   }
 
-  void tunnelsAreRefusedPlainly() {
-    ui::TformConnect form(*settings_, session_);
+  // Neither a refused SSH login nor a refused MySQL login behind a working tunnel leaves the
+  // tunnel open; each says why and keeps the dialog.
+  void aFailedConnectThroughTheSshPageClosesTheTunnel() {
+    settings_->write(opt::CertificatesPath, dir_->filePath("keys").toStdString());
+    const TSshKeyStore keys(dir_->filePath("keys").toStdString());
+    keys.newClientKey("dialog", TSshKeyType::Ed25519);
+    test::authorizeKey(keys.publicLine("dialog"));
+    ui::TformConnect form(*settings_, session_, tunnel_);
     form.show();
-    const char* boxes[] = {"chkSSH", "chkPHP"};
-    const char* words[] = {"SSH tunnel", "PHP tunnel"};
-    for (int i = 0; i < 2; ++i) {
-      child<QCheckBox>(&form, "chkSSH")->setChecked(i == 0);
-      child<QCheckBox>(&form, boxes[i])->setChecked(true);
+    auto* frame = child<ui::TframeAccount>(&form, "frmAccount");
+    TAccount account = test::sshAccount();
+    account.SSHPassword = "not the password";
+    const auto connectShowing = [&](const TAccount& a, const QString& key) {
+      frame->setAccount(a);
+      child<QComboBox>(&form, "cboSSHKey")->setCurrentText(key);
       QString shown;
       whenModal(ui::kConnectMessageName, [&](QWidget* box) {
         shown = static_cast<QMessageBox*>(box)->text();
         static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
       });
       child<QPushButton>(&form, "btnOk")->click();
-      QVERIFY2(shown.contains(words[i]) && shown.contains("not available yet"), qPrintable(shown));
-      QVERIFY(form.isVisible());
-    }
+      return shown;
+    };
+    const QString refused = connectShowing(account, {});
+    QVERIFY2(
+        refused.contains("refused the password of the user \"" + QString::fromStdString(account.SSHLogin)),
+        qPrintable(refused));
+    QVERIFY(!tunnel_.IsOpen());
+
+    account.Password = "not the password";
+    QVERIFY(connectShowing(account, "dialog").startsWith("1045\n"));
+    QVERIFY(!tunnel_.IsOpen());
+    QCOMPARE(session_.Settings.TunnelPort, 0);
+    QVERIFY(form.isVisible());
+  }
+
+  void phpTunnelIsRefusedPlainly() {
+    ui::TformConnect form(*settings_, session_, tunnel_);
+    form.show();
+    child<QCheckBox>(&form, "chkPHP")->setChecked(true);
+    QString shown;
+    whenModal(ui::kConnectMessageName, [&](QWidget* box) {
+      shown = static_cast<QMessageBox*>(box)->text();
+      static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+    });
+    child<QPushButton>(&form, "btnOk")->click();
+    QVERIFY2(shown.contains("PHP tunnel") && shown.contains("not available yet"), qPrintable(shown));
+    QVERIFY(form.isVisible());
   }
 
   void connectMemoryKeepsTheRestOfTheLayoutFile() {
     const QString file = dir_->filePath("ide_settings.xml");
     QFile out(file);
     QVERIFY(out.open(QIODevice::WriteOnly));
-    out.write("<?xml version=\"1.0\"?>\n<Configuration><General><paneSideBar.Width>240</paneSideBar.Width>"
-              "</General><Connect><edtLogin>old</edtLogin></Connect></Configuration>\n");
+    out.write(
+        "<?xml version=\"1.0\"?>\n<Configuration><General><paneSideBar.Width>240</paneSideBar.Width>"
+        "</General><Connect><edtLogin>old</edtLogin></Connect></Configuration>\n");
     out.close();
-    const ui::ConnectMemory memory{"3307", "utf8", "Western", "shop", "db & co", "bob", "http://x/t.php?a=1&b=2"};
+    const ui::ConnectMemory memory{
+        "3307", "utf8", "Western", "shop", "db & co", "bob", "http://x/t.php?a=1&b=2"};
     QVERIFY(ui::writeConnectMemory(file, memory));
     QCOMPARE(ui::readConnectMemory(file), std::optional(memory));
     QVERIFY(out.open(QIODevice::ReadOnly));
@@ -355,7 +396,7 @@ class FormConnectTest : public QObject {
     TAccount ssh = sandboxAccount();
     ssh.UseSSH = true;
     TAccountStore(*settings_).add("Through SSH", ssh);
-    ui::TformConnect form(*settings_, session_);
+    ui::TformConnect form(*settings_, session_, tunnel_);
     form.resize(820, 480);
     form.show();
     auto* tabs = child<QTabWidget>(&form, "pgcConnection");
