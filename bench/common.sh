@@ -24,3 +24,28 @@ require_cli() { [[ -x $cli ]] || { echo "build first: $cli is missing" >&2; exit
 source "$sandbox/sandbox.env"
 conn=(--host="$LOMARIN_TEST_HOST" --port="$LOMARIN_TEST_PORT" --user="$LOMARIN_TEST_USER" --password="$LOMARIN_TEST_PASSWORD")
 sql() { mariadb --no-defaults "${conn[@]}" "$@"; }
+
+# The 1 000 000-row table lomarin_bench.big the streaming benchmarks read; made once.
+ensure_big_table() {
+  local rows
+  rows=$(sql -N -e "SELECT COUNT(*) FROM lomarin_bench.big" 2>/dev/null || echo 0)
+  [[ $rows == 1000000 ]] && return
+  echo "creating lomarin_bench.big (1 000 000 rows)..."
+  sql <<'SQL'
+CREATE DATABASE IF NOT EXISTS lomarin_bench;
+DROP TABLE IF EXISTS lomarin_bench.big;
+CREATE TABLE lomarin_bench.big (
+  id INT UNSIGNED NOT NULL PRIMARY KEY,
+  name VARCHAR(40) NOT NULL,
+  amount DECIMAL(12,2) NOT NULL,
+  created DATETIME NOT NULL,
+  note VARCHAR(100) NULL
+) ENGINE=InnoDB;
+SET SESSION max_recursive_iterations = 2000000;
+INSERT INTO lomarin_bench.big
+WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000)
+SELECT i, CONCAT('customer ', i), (i % 100000) / 100, '2024-01-01' + INTERVAL (i % 86400) SECOND,
+       IF(i % 7 = 0, NULL, CONCAT('note\tfor ', i, ' with a few more words in it'))
+FROM n;
+SQL
+}

@@ -8,28 +8,7 @@ source "$(dirname "$0")/common.sh"
 runs=${1:-5}
 require_cli
 
-rows=$(mariadb --no-defaults "${conn[@]}" -N -e \
-  "SELECT COUNT(*) FROM lomarin_bench.big" 2>/dev/null || echo 0)
-if [[ $rows != 1000000 ]]; then
-  echo "creating lomarin_bench.big (1 000 000 rows)..."
-  mariadb --no-defaults "${conn[@]}" <<'SQL'
-CREATE DATABASE IF NOT EXISTS lomarin_bench;
-DROP TABLE IF EXISTS lomarin_bench.big;
-CREATE TABLE lomarin_bench.big (
-  id INT UNSIGNED NOT NULL PRIMARY KEY,
-  name VARCHAR(40) NOT NULL,
-  amount DECIMAL(12,2) NOT NULL,
-  created DATETIME NOT NULL,
-  note VARCHAR(100) NULL
-) ENGINE=InnoDB;
-SET SESSION max_recursive_iterations = 2000000;
-INSERT INTO lomarin_bench.big
-WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000)
-SELECT i, CONCAT('customer ', i), (i % 100000) / 100, '2024-01-01' + INTERVAL (i % 86400) SECOND,
-       IF(i % 7 = 0, NULL, CONCAT('note\tfor ', i, ' with a few more words in it'))
-FROM n;
-SQL
-fi
+ensure_big_table
 
 sql="select * from lomarin_bench.big"
 measure() {  # prints "seconds kilobytes" of one run
