@@ -65,10 +65,29 @@ TEST(ExecCommand, ClientCommandsGoToTheServerAsText) {
                                                                marker.string() + ";\nselect 1;\n");
   std::string err;
   EXPECT_EQ(exec("lomarin_test", file.string(), false, &err), 1);
-  EXPECT_NE(err.find("\\! touch " + marker.string() + "\r\nsystem touch " + marker.string() + "\nERROR 1064 (42000) at line 1"),
+  EXPECT_NE(err.find("\\! touch " + marker.string() + "\nsystem touch " + marker.string() +
+                     "\nERROR 1064 (42000) at line 1"),
             std::string::npos)
       << err;
   EXPECT_FALSE(std::filesystem::exists(marker));
+}
+
+TEST(ExecCommand, LineBreaksOfTheFileAreKept) {
+  const auto file =
+      writeScript("lomarin_exec_lf.sql",
+                  "drop table if exists lf1;\ncreate table lf1 (a int, b text);\nDELIMITER //\n"
+                  "create trigger lf1_bi before insert on lf1 for each row\nbegin\n  set new.b = 'x\ny';\n"
+                  "end//\nDELIMITER ;\ninsert into lf1 (a) values (1);\n");
+  std::string err;
+  EXPECT_EQ(exec("lomarin_test", file.string(), false, &err), 0) << err;
+  auto session = test::connect();
+  EXPECT_EQ(test::scalar(*session, "select hex(b) from lf1"), "780A79");
+  TMyQuery original(*session);
+  original.SQL = "SHOW CREATE TRIGGER lf1_bi";
+  original.Open();
+  ASSERT_TRUE(original.Next());
+  EXPECT_TRUE(std::string(original.Value(2)).ends_with("for each row\nbegin\n  set new.b = 'x\ny';\nend"))
+      << original.Value(2);
 }
 
 std::string checksums(TMyConnection& session, const std::string& database) {

@@ -50,11 +50,9 @@ bool TStatementSplitter::ensure(size_t count) {
   return end_ >= count;
 }
 
+// The break stays as the script has it: inside a literal or a routine body it is the user's data.
 void TStatementSplitter::lineBreak() {
-  flushSegment();
-  if (!stmt_.empty() && stmt_.back() == '\r') stmt_.pop_back();
-  stmt_ += "\r\n";
-  seg_ = ++pos_;
+  ++pos_;
   ++linesDone_;
 }
 

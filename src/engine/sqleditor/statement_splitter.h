@@ -14,9 +14,9 @@ namespace lomarin {
 // backslash escapes and doubled quotes), comments ("-- " with a blank or control character after
 // the dashes, "#", "/* */"), version comments ("/*!", "/*M!") kept as statement text, and
 // DELIMITER lines in any letter case. The script is read in large chunks, so a file of any size
-// streams through; the lines of one statement are joined with "\r\n". Statements holding nothing
-// but blanks and comments are skipped. A quote or comment still open at the end closes the last
-// statement instead of failing. A UTF-8 byte order mark at the start is skipped.
+// streams through; a statement keeps the script's line breaks byte for byte. Statements holding
+// nothing but blanks and comments are skipped. A quote or comment still open at the end closes the
+// last statement instead of failing. A UTF-8 byte order mark at the start is skipped.
 class TStatementSplitter {
  public:
   explicit TStatementSplitter(std::istream& in, std::string delimiter = ";",

@@ -101,9 +101,41 @@ TEST(MyScript, DelimiterBlocksAndMacros) {
   script.Execute();
   EXPECT_EQ(log.sent, (std::vector<std::string>{
                           "DROP PROCEDURE IF EXISTS p_two",
-                          "CREATE PROCEDURE p_two()\r\nBEGIN\r\n  SELECT 42;\r\n  SELECT '&a';\r\nEND",
+                          "CREATE PROCEDURE p_two()\nBEGIN\n  SELECT 42;\n  SELECT '&a';\nEND",
                           "CALL p_two()",
                       }));
+}
+
+// A line break inside a literal or a routine body is data: it is stored exactly as the script has it.
+TEST(MyScript, LineBreaksReachTheServerByteForByte) {
+  const auto hexOf = [](const std::string& text) {
+    std::string hex;
+    for (unsigned char c : text) hex += "0123456789ABCDEF"[c >> 4], hex += "0123456789ABCDEF"[c & 15];
+    return hex;
+  };
+  for (const std::string eol : {"\n", "\r\n"}) {
+    for (bool optimize : {false, true}) {
+      test::sideExec("DROP DATABASE IF EXISTS script_bytes");
+      test::sideExec("CREATE DATABASE script_bytes");
+      auto session = test::connect("script_bytes");
+      const std::string body = "BEGIN" + eol + "  SELECT 'x" + eol + "y';" + eol + "END";
+      TMyScript script(*session);
+      script.UseOptimization = optimize;
+      script.SQL = "create table t (id int primary key, v varchar(20));" + eol +
+                   "insert into t values (1, 'a\nb'), (2, 'c\r\nd');" + eol + "insert into t values (3, 'e" +
+                   eol + "f');" + eol + "DELIMITER $$" + eol + "CREATE PROCEDURE p()" + eol + body + "$$" +
+                   eol + "DELIMITER ;" + eol;
+      script.Execute();
+      const std::string context = (eol == "\n" ? "LF" : "CR LF") + std::string(optimize ? ", batched" : "");
+      EXPECT_EQ(test::scalar(*session, "select group_concat(hex(v) order by id) from t"),
+                "610A62,630D0A64," + hexOf("e" + eol + "f"))
+          << context;
+      EXPECT_EQ(
+          test::scalar(*session, "select hex(body) from mysql.proc where db = 'script_bytes' and name = 'p'"),
+          hexOf(body))
+          << context;
+    }
+  }
 }
 
 TEST(MyScript, BatchesLeaveOutWhatTheServerWouldReadDifferently) {

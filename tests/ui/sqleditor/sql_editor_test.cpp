@@ -221,11 +221,12 @@ class SqlEditorTest : public QObject {
 
     test::sideExec("drop procedure if exists lomarin_test.ed_proc");
     f.run("actRunScript",
-          "DELIMITER $$\ncreate procedure ed_proc() begin select 1; select 2; end$$\nDELIMITER ;\nselect 3;");
+          "DELIMITER $$\ncreate procedure ed_proc()\nbegin\n  select 1;\n  select "
+          "'a\r\nb';\nend$$\nDELIMITER ;\nselect 3;");
+    // The body keeps the editor's line breaks, the literal's CR LF included.
     QCOMPARE(test::scalar(*f.session,
-                          "select count(*) from information_schema.routines where routine_schema = "
-                          "'lomarin_test' and routine_name = 'ed_proc'"),
-             std::string("1"));
+                          "select body from mysql.proc where db = 'lomarin_test' and name = 'ed_proc'"),
+             std::string("begin\n  select 1;\n  select 'a\r\nb';\nend"));
     QVERIFY(f.errors.isEmpty());
 
     f.run("actRunScript", "select 1;\nselect * from no_such_ed;\nselect 3;");
