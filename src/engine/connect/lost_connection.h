@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string_view>
 
 namespace lomarin {
 
@@ -26,5 +27,10 @@ class TLostConnectionHandler {
   int retryCount_ = 0;
   bool reconnecting_ = false;
 };
+
+// A request that changes nothing on the server when it runs twice: one SELECT (without INTO),
+// SHOW, DESCRIBE, EXPLAIN (without ANALYZE) or HELP. A request that may have reached a server
+// before the connection broke is sent again only when it is one of these.
+bool IsReadOnlyStatement(std::string_view sql);
 
 }  // namespace lomarin

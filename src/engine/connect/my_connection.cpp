@@ -2,6 +2,7 @@
 
 #include <errmsg.h>
 #include <mysqld_error.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <cctype>
@@ -180,20 +181,45 @@ void TMyConnection::Impl::reconnect() {
   }
 }
 
+std::optional<ServerError> TMyConnection::Impl::lostBeforeSending() {
+  // Between requests the server says nothing; anything to read means it is closing the
+  // connection (killed, timed out, shut down). A ping confirms it without running anything.
+  const my_socket socket = mysql_get_socket(mysql);
+  if (socket != MARIADB_INVALID_SOCKET) {
+    pollfd idle{socket, POLLIN, 0};
+    if (poll(&idle, 1, 0) == 0) return std::nullopt;
+  }
+  if (mysql_ping(mysql) == 0) return std::nullopt;
+  ServerError error = currentError();
+  if (!isConnectionLost(error.number())) fail(error);
+  return error;
+}
+
 void TMyConnection::Impl::send(std::string_view sql, std::string_view traced) {
   if (!mysql) fail(ServerError(CR_SERVER_GONE_ERROR, "HY000", "Not connected"));
   releasePending();
   for (;;) {
-    syncMultiStatements();
     // A silent repeat would run the statement outside the transaction or locks it belonged to.
     const bool holdsState = !lossReported && ((serverStatus() & SERVER_STATUS_IN_TRANS) || tablesLocked);
-    if (monitor) monitor->trace(traced.empty() ? sql : traced);
-    if (mysql_real_query(mysql, sql.data(), sql.size()) == 0) {
-      noteLocks(sql);
-      return;
+    std::optional<ServerError> lost = lostBeforeSending();
+    if (!lost) {
+      syncMultiStatements();
+      if (monitor) monitor->trace(traced.empty() ? sql : traced);
+      if (mysql_real_query(mysql, sql.data(), sql.size()) == 0) {
+        noteLocks(sql);
+        return;
+      }
+      ServerError error = currentError();
+      if (!isConnectionLost(error.number())) fail(error);
+      // Only "gone away" is given before the request was written; any later loss may come after
+      // the server ran it, and running it again could apply it twice.
+      if (error.number() != CR_SERVER_GONE_ERROR && !IsReadOnlyStatement(sql)) {
+        lossReported = true;
+        fail(error);
+      }
+      lost = error;
     }
-    ServerError error = currentError();
-    if (!isConnectionLost(error.number())) fail(error);
+    ServerError error = *lost;
     if (holdsState) {
       lossReported = true;
       fail(error);

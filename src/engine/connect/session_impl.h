@@ -36,8 +36,9 @@ struct TMyConnection::Impl {
   MYSQL* open(const std::string& database, const std::string& charset);
   void close();
 
-  // Sends one request, reconnecting and sending it again when the connection was lost and the
-  // lost-connection handler asks for it. Throws ServerError. The monitor shows traced when it is
+  // Sends one request, reconnecting and sending it again when the connection was lost before the
+  // request could reach the server (or the request only reads) and the lost-connection handler
+  // asks for it. Throws ServerError. The monitor shows traced when it is
   // not empty.
   void send(std::string_view sql, std::string_view traced = {});
   [[noreturn]] void fail(const ServerError& error);
@@ -49,6 +50,8 @@ struct TMyConnection::Impl {
 
  private:
   void reconnect();
+  // The connection's loss when it is already known before a request is written; nothing is sent.
+  std::optional<ServerError> lostBeforeSending();
   void syncMultiStatements();
   void noteLocks(std::string_view sql);
 };

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <thread>
+
 #include "engine/connect/lost_connection.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/my_query.h"
@@ -71,10 +74,93 @@ TEST(LostConnection, KilledSessionReconnectsSilentlyWithItsDatabaseAndCharset) {
   EXPECT_NE(t.session->ThreadId(), before);
   EXPECT_EQ(t.questions, 0);
   EXPECT_EQ(t.handler.retryCount(), 1);
-  // The statement went out twice: once on the dead connection, once after reconnecting.
+  // The loss was found before sending: the statement went out once, on the new connection.
   ASSERT_GE(lines.size(), 2u);
   EXPECT_TRUE(lines[lines.size() - 1].ends_with("] SELECT DATABASE(), @@character_set_client"));
-  EXPECT_TRUE(lines[lines.size() - 2].ends_with("] SELECT DATABASE(), @@character_set_client"));
+  EXPECT_TRUE(lines[lines.size() - 2].ends_with("] SET NAMES latin1"));
+}
+
+// Kills the session from a connection of its own once its statement is in the server's sleep.
+class KillWhileSleeping {
+ public:
+  explicit KillWhileSleeping(TMyConnection& session, std::function<void()> beforeKill = {})
+      : threadId_(session.ThreadId()), thread_([this, beforeKill] {
+          auto side = test::connect();
+          const std::string sleeping =
+              "select count(*) from information_schema.processlist where id = " + std::to_string(threadId_) +
+              " and state = 'User sleep'";
+          while (test::scalar(*side, sleeping) != "1") {
+          }
+          if (beforeKill) beforeKill();
+          test::sideExec("KILL CONNECTION " + std::to_string(threadId_));
+        }) {}
+  ~KillWhileSleeping() { thread_.join(); }
+
+ private:
+  unsigned long threadId_;
+  std::thread thread_;
+};
+
+TEST(LostConnection, StatementThatMayHaveRunIsReportedNotRepeated) {
+  LostSession t;
+  ASSERT_TRUE(
+      ExecSQLText(*t.session, "CREATE OR REPLACE TABLE lost_n (id INT PRIMARY KEY, n INT) ENGINE=MyISAM"));
+  ASSERT_TRUE(ExecSQLText(*t.session, "INSERT INTO lost_n VALUES (1, 0), (2, 0)"));
+  std::vector<unsigned> reported;
+  {
+    // Row 1 is changed at once (a table without transactions keeps it); the kill comes at row 2.
+    KillWhileSleeping killer(*t.session);
+    EXPECT_FALSE(ExecSQLText(*t.session, "UPDATE lost_n SET n = n + 1 WHERE id = 1 OR SLEEP(30) = 0",
+                             [&](const ServerError& e) { reported.push_back(e.number()); }));
+  }
+  ASSERT_EQ(reported.size(), 1u);
+  EXPECT_TRUE(reported[0] == 2013 || reported[0] == 1927) << reported[0];
+  EXPECT_EQ(t.handler.retryCount(), 0);
+  // The next statement reconnects silently; the update was applied once.
+  EXPECT_EQ(test::scalar(*t.session, "SELECT GROUP_CONCAT(n ORDER BY id) FROM lost_n"), "1,0");
+  EXPECT_EQ(t.handler.retryCount(), 1);
+  EXPECT_EQ(t.questions, 0);
+}
+
+TEST(LostConnection, ReadOnlyStatementIsRepeatedSilently) {
+  LostSession t;
+  ASSERT_TRUE(ExecSQLText(*t.session, "CREATE OR REPLACE TABLE lost_delay (seconds INT)"));
+  ASSERT_TRUE(ExecSQLText(*t.session, "INSERT INTO lost_delay VALUES (30)"));
+  std::string answer;
+  {
+    // The repeat must not sleep again.
+    KillWhileSleeping killer(*t.session,
+                             [] { test::sideExec("UPDATE lomarin_test.lost_delay SET seconds = 0"); });
+    answer = test::scalar(*t.session, "/* wait */ SELECT SLEEP(seconds) + 5 FROM lost_delay");
+  }
+  EXPECT_EQ(answer, "5");
+  EXPECT_EQ(t.handler.retryCount(), 1);
+  EXPECT_EQ(t.questions, 0);
+}
+
+TEST(LostConnection, StatementAfterAnIdleLossIsSentOnce) {
+  LostSession t;
+  ASSERT_TRUE(ExecSQLText(*t.session, "CREATE OR REPLACE TABLE lost_idle (n INT)"));
+  ASSERT_TRUE(ExecSQLText(*t.session, "INSERT INTO lost_idle VALUES (0)"));
+  t.killFromOutside();
+  // Found gone before it was sent, so the update cannot have run: it is sent on the new connection.
+  EXPECT_TRUE(ExecSQLText(*t.session, "UPDATE lost_idle SET n = n + 1"));
+  EXPECT_EQ(test::scalar(*t.session, "SELECT n FROM lost_idle"), "1");
+  EXPECT_EQ(t.handler.retryCount(), 1);
+}
+
+TEST(LostConnection, ReadOnlyStatementsAreTold) {
+  for (const char* sql :
+       {"select 1", "  SELECT * FROM t;", "/* note */ -- x\nshow tables", "DESC t", "describe t",
+        "explain select 1", "EXPLAIN EXTENDED select 1", "help 'select'", "select 'into' from `into`",
+        "select 1 -- into\n", "select 1 # ; update t set a = 1"})
+    EXPECT_TRUE(IsReadOnlyStatement(sql)) << sql;
+  for (const char* sql :
+       {"update t set n = n + 1", "DO 1", "select 1 into @a", "SELECT * FROM t INTO OUTFILE '/x'",
+        "select 1; update t set a = 1", "explain analyze select 1", "analyze select 1",
+        "/*!40101 select 1 */", "call p()", "with c as (select 1) select * from c", "", " ; ", "set @a = 1",
+        "insert into t select 1"})
+    EXPECT_FALSE(IsReadOnlyStatement(sql)) << sql;
 }
 
 TEST(LostConnection, EleventhLossAsksAndOnlyRetryResetsTheCounter) {
