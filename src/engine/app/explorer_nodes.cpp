@@ -24,8 +24,8 @@ std::string lowerAscii(std::string_view text) {
 
 bool equalsNoCase(std::string_view a, std::string_view b) { return lowerAscii(a) == lowerAscii(b); }
 
-std::string likeClause(std::string_view treeFilter) {
-  return treeFilter.empty() ? std::string() : " like '" + std::string(treeFilter) + "'";
+std::string likeClause(std::string_view treeFilter, const ValueEscaper& escape) {
+  return treeFilter.empty() ? std::string() : " like '" + escape(treeFilter) + "'";
 }
 
 int columnIndex(const ResultTable& result, std::string_view name) {
@@ -94,10 +94,10 @@ std::vector<std::string> databaseFolders(int serverMajorVersion, int serverVersi
   return folders;
 }
 
-std::string showDatabasesSql(std::string_view databaseFilter) {
+std::string showDatabasesSql(std::string_view databaseFilter, const ValueEscaper& escape) {
   std::string sql = "Show databases ";
-  if (!databaseFilter.empty()) sql += "like " + std::string(databaseFilter);
-  return sql;
+  if (databaseFilter.size() < 2) return sql;
+  return sql + "like '" + escape(databaseFilter.substr(1, databaseFilter.size() - 2)) + "'";
 }
 
 std::vector<DatabaseEntry> databaseEntries(const std::vector<std::string>& listed,
@@ -119,9 +119,9 @@ std::optional<std::string> folderStatement(const FolderPath& path, int serverMaj
   const std::string& f = path.folder;
   const std::string db = backQuoted(path.database);
   if (f == "Tables")
-    return (serverMajorVersion >= 5 ? "show full tables " : "show tables ") + std::string(" from ") +
-           db + likeClause(treeFilter);
-  if (f == "Views") return "show full tables " + std::string(" from ") + db + likeClause(treeFilter);
+    return (serverMajorVersion >= 5 ? "show full tables " : "show tables ") + std::string(" from ") + db +
+           likeClause(treeFilter, escape);
+  if (f == "Views") return "show full tables " + std::string(" from ") + db + likeClause(treeFilter, escape);
   if (f == "Procedures")
     return "SHOW PROCEDURE STATUS where lower(db) = '" + escape(lowerAscii(path.database)) + "'";
   if (f == "Functions")

@@ -50,9 +50,6 @@ std::string rootText(std::string_view serverHost);
 // need version number 51.
 std::vector<std::string> databaseFolders(int serverMajorVersion, int serverVersionNumber);
 
-// databaseFilter is the account's database in single quotes, or empty to list them all.
-std::string showDatabasesSql(std::string_view databaseFilter);
-
 struct DatabaseEntry {
   std::string name;
   int imageIndex;
@@ -76,6 +73,10 @@ struct FolderPath {
 
 // Makes a value safe between single quotes: the session's client library does it.
 using ValueEscaper = std::function<std::string(std::string_view)>;
+
+// databaseFilter is the account's database between single quotes as the connect step keeps it
+// (not escaped), or empty to list them all.
+std::string showDatabasesSql(std::string_view databaseFilter, const ValueEscaper& escape);
 
 // The statement that fills a folder when it is expanded; empty for nodes that are not folders.
 // treeFilter is the tree filter box's text: it limits tables and views with LIKE, taken as typed.

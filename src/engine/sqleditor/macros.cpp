@@ -82,11 +82,12 @@ std::string ExpandMacros(std::string_view sql, const TMacros& macros) {
   return out;
 }
 
-std::string FormatMacroValue(std::string_view value, std::string_view type, bool quoting) {
+std::string FormatMacroValue(std::string_view value, std::string_view type, const TValueEscaper& escape,
+                             bool quoting) {
   if (!quoting || type == "Integer") return std::string(value);
   std::string text(value);
   if (type == "Float") std::replace(text.begin(), text.end(), '.', ',');
-  return "'" + text + "'";
+  return "'" + escape(text) + "'";
 }
 
 }  // namespace lomarin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,9 +30,13 @@ std::string ExpandMacros(std::string_view sql, const TMacros& macros);
 inline constexpr std::array<std::string_view, 7> kParamTypeNames = {"Integer", "Float",    "String", "Date",
                                                                     "DateTime", "Time", "Char"};
 
+// Makes a value safe between single quotes: the session's client library does it.
+using TValueEscaper = std::function<std::string(std::string_view)>;
+
 // The text a value of the given type stands for in a statement. In quoting mode a "Float" has
-// its points turned into commas and is quoted, other non-integers are quoted as typed; outside
-// quoting mode (and for "Integer") the value is used as it stands.
-std::string FormatMacroValue(std::string_view value, std::string_view type, bool quoting = true);
+// its points turned into commas and is quoted, other non-integers are quoted as typed (escaped
+// by `escape`); outside quoting mode (and for "Integer") the value is used as it stands.
+std::string FormatMacroValue(std::string_view value, std::string_view type, const TValueEscaper& escape,
+                             bool quoting = true);
 
 }  // namespace lomarin

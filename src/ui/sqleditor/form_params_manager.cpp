@@ -27,8 +27,12 @@ QPushButton* button(const QString& caption, const QString& name, QWidget* parent
 }  // namespace
 
 TformParamsManager::TformParamsManager(TMyParams& params, const QString& macroName, bool quoting,
-                                       ErrorReporter reportError, QWidget* parent)
-    : QDialog(parent), params_(params), quoting_(quoting), reportError_(std::move(reportError)) {
+                                       TValueEscaper escape, ErrorReporter reportError, QWidget* parent)
+    : QDialog(parent),
+      params_(params),
+      quoting_(quoting),
+      escape_(std::move(escape)),
+      reportError_(std::move(reportError)) {
   setObjectName("TformParamsManager");
   setWindowTitle("Parameter Manager");
   try {
@@ -123,7 +127,7 @@ void TformParamsManager::btnOkClick() {
   }
   const std::string value = edtValue_->text().toStdString();
   const std::string type = cboDataType_->currentText().toStdString();
-  result_ = QString::fromStdString(FormatMacroValue(value, type, quoting_));
+  result_ = QString::fromStdString(FormatMacroValue(value, type, escape_, quoting_));
   if (chkSaveVariable_->isChecked()) {
     try {
       params_.addRecToParamas(name, value, type);
@@ -145,9 +149,10 @@ void TformParamsManager::btnDeleteClick() {
   model_->reload();
 }
 
-bool AskMacroValues(TMacros& macros, TMyParams& params, const ErrorReporter& reportError, QWidget* parent) {
+bool AskMacroValues(TMacros& macros, TMyParams& params, const TValueEscaper& escape,
+                    const ErrorReporter& reportError, QWidget* parent) {
   for (TMacro& macro : macros) {
-    TformParamsManager dialog(params, QString::fromStdString(macro.Name), true, reportError, parent);
+    TformParamsManager dialog(params, QString::fromStdString(macro.Name), true, escape, reportError, parent);
     if (dialog.exec() != QDialog::Accepted) return false;
     macro.Value = dialog.Result().toStdString();
   }

@@ -22,8 +22,8 @@ class VtdTableModel;
 class TformParamsManager : public QDialog {
   Q_OBJECT
  public:
-  TformParamsManager(TMyParams& params, const QString& macroName, bool quoting, ErrorReporter reportError,
-                     QWidget* parent = nullptr);
+  TformParamsManager(TMyParams& params, const QString& macroName, bool quoting, TValueEscaper escape,
+                     ErrorReporter reportError, QWidget* parent = nullptr);
 
   // The text that replaces the macro, valid once the dialog was accepted.
   QString Result() const { return result_; }
@@ -34,6 +34,7 @@ class TformParamsManager : public QDialog {
 
   TMyParams& params_;
   bool quoting_;
+  TValueEscaper escape_;
   ErrorReporter reportError_;
   QString result_;
   VtdTableModel* model_;
@@ -47,6 +48,7 @@ class TformParamsManager : public QDialog {
 
 // Asks a value for each macro in order; false as soon as one is cancelled (the macros answered
 // before keep their values).
-bool AskMacroValues(TMacros& macros, TMyParams& params, const ErrorReporter& reportError, QWidget* parent);
+bool AskMacroValues(TMacros& macros, TMyParams& params, const TValueEscaper& escape,
+                    const ErrorReporter& reportError, QWidget* parent);
 
 }  // namespace lomarin::ui

@@ -10,6 +10,7 @@
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
+#include "engine/connect/escape.h"
 #include "engine/connect/kill_query.h"
 #include "engine/sqleditor/macros.h"
 #include "engine/sqleditor/my_script.h"
@@ -120,7 +121,8 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
   std::string sql = text;
   TMacros macros = MacrosOf(sql);
   if (!macros.empty()) {
-    if (!ctx_.Params || !AskMacroValues(macros, *ctx_.Params, ctx_.ShowServerError, this)) return;
+    const TValueEscaper escape = [this](std::string_view value) { return EscapeString(ctx_.Session, value); };
+    if (!ctx_.Params || !AskMacroValues(macros, *ctx_.Params, escape, ctx_.ShowServerError, this)) return;
     sql = ExpandMacros(sql, macros);
   }
   const bool fetchAll = (ctx_.IsSSHTunnel && ctx_.IsSSHTunnel()) || ctx_.Settings.read(opt::FetchAllRecords);

@@ -24,8 +24,12 @@ TEST(ExplorerNodes, FoldersFollowTheServerVersion) {
 
 TEST(ExplorerNodes, RootAndDatabaseLevel) {
   EXPECT_EQ(rootText("127.0.0.1"), "MySQL Server[127.0.0.1]");
-  EXPECT_EQ(showDatabasesSql(""), "Show databases ");
-  EXPECT_EQ(showDatabasesSql("'shop'"), "Show databases like 'shop'");
+  // Stands in for the client library: the test sees where values are escaped.
+  const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
+  EXPECT_EQ(showDatabasesSql("", escape), "Show databases ");
+  EXPECT_EQ(showDatabasesSql("'shop'", escape), "Show databases like '<shop>'");
+  EXPECT_EQ(showDatabasesSql("'o'brien'", escape), "Show databases like '<o'brien>'");
+  EXPECT_EQ(showDatabasesSql("''", escape), "Show databases like '<>'");
 
   const auto entries = databaseEntries({"a", "shop", "z"}, "shop", "shop");
   ASSERT_EQ(entries.size(), 3u);
@@ -47,8 +51,8 @@ TEST(ExplorerNodes, FolderStatements) {
   };
   EXPECT_EQ(sql("Tables", 4), "show tables  from `Shop``DB`");
   EXPECT_EQ(sql("Tables"), "show full tables  from `Shop``DB`");
-  EXPECT_EQ(sql("Tables", 5, "ord%"), "show full tables  from `Shop``DB` like 'ord%'");
-  EXPECT_EQ(sql("Views", 5, "v_%"), "show full tables  from `Shop``DB` like 'v_%'");
+  EXPECT_EQ(sql("Tables", 5, "ord%"), "show full tables  from `Shop``DB` like '<ord%>'");
+  EXPECT_EQ(sql("Views", 5, "v_%"), "show full tables  from `Shop``DB` like '<v_%>'");
   EXPECT_EQ(sql("Procedures"), "SHOW PROCEDURE STATUS where lower(db) = '<shop`db>'");
   EXPECT_EQ(sql("Functions"), "SHOW FUNCTION STATUS where lower(db) = '<shop`db>'");
   EXPECT_EQ(sql("Triggers"), "SHOW TRIGGERS FROM `Shop``DB`");

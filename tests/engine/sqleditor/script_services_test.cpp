@@ -89,12 +89,14 @@ TEST(Macros, FoundOutsideQuotesAndComments) {
 }
 
 TEST(Macros, FormattingByType) {
-  EXPECT_EQ(FormatMacroValue("3.5", "Float"), "'3,5'");
-  EXPECT_EQ(FormatMacroValue("abc", "String"), "'abc'");
-  EXPECT_EQ(FormatMacroValue("7", "Integer"), "7");
-  EXPECT_EQ(FormatMacroValue("x", "Char"), "'x'");
-  EXPECT_EQ(FormatMacroValue("2024-01-31 10:00", "DateTime"), "'2024-01-31 10:00'");
-  EXPECT_EQ(FormatMacroValue("3.5", "Float", false), "3.5");
+  // Stands in for the client library: the test sees where values are escaped.
+  const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
+  EXPECT_EQ(FormatMacroValue("3.5", "Float", escape), "'<3,5>'");
+  EXPECT_EQ(FormatMacroValue("it's", "String", escape), "'<it's>'");
+  EXPECT_EQ(FormatMacroValue("7", "Integer", escape), "7");
+  EXPECT_EQ(FormatMacroValue("x", "Char", escape), "'<x>'");
+  EXPECT_EQ(FormatMacroValue("2024-01-31 10:00", "DateTime", escape), "'<2024-01-31 10:00>'");
+  EXPECT_EQ(FormatMacroValue("3.5", "Float", escape, false), "3.5");
 }
 
 }  // namespace

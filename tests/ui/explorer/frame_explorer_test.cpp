@@ -183,6 +183,23 @@ class FrameExplorerTest : public QObject {
     QCOMPARE(texts(demo()).size(), 7);
   }
 
+  void quotesInTheAccountDatabaseAndTheTreeFilterAreEscaped() {
+    test::sideExec("DROP DATABASE IF EXISTS `lomarin_o'q`");
+    test::sideExec("CREATE DATABASE `lomarin_o'q`");
+    test::sideExec("CREATE TABLE `lomarin_o'q`.`it's` (a INT)");
+    test::sideExec("CREATE TABLE `lomarin_o'q`.`its` (a INT)");
+    explorer_->setDatabaseFilter("'lomarin_o'q'");
+    QCOMPARE(sentBy([&] { explorer_->buildRoot(); }), QStringList{"Show databases like 'lomarin_o\\'q'"});
+    QCOMPARE(texts(root()), QStringList({"lomarin_o'q", "Users"}));
+    auto* tables = childNamed(childNamed(root(), "lomarin_o'q"), "Tables");
+    tables->setExpanded(true);
+    explorer_->filterBox()->setText("it'%");
+    const auto sent = sentBy([&] { QTest::keyClick(explorer_->filterBox(), Qt::Key_Return); });
+    QCOMPARE(sent, QStringList{"show full tables  from `lomarin_o'q` like 'it\\'%'"});
+    QCOMPARE(texts(tables), QStringList({"it's"}));
+    test::sideExec("DROP DATABASE `lomarin_o'q`");
+  }
+
   void aFailedFetchLeavesTheFolderToTryAgain() {
     TMyConnection limited;
     limited.Settings = test::serverSettings();

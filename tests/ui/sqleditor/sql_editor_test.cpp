@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QFile>
@@ -254,6 +255,17 @@ class SqlEditorTest : public QObject {
     });
     f.run("actRun", "select &id, &id + 1");
     QCOMPARE(f.sent, QStringList{"select 7, 7 + 1"});
+
+    // A quote in a quoted value is escaped by the client library.
+    whenModal([&](QWidget* dialog) {
+      dialog->findChild<QComboBox*>("cboDataType")->setCurrentText("String");
+      dialog->findChild<QLineEdit*>("edtValue")->setText("it's");
+      dialog->findChild<QPushButton*>("btnOk")->click();
+    });
+    f.run("actRun", "select &name");
+    QCOMPARE(f.sent, QStringList{"select 'it\\'s'"});
+    QVERIFY(f.errors.isEmpty());
+    QCOMPARE(f.editor->fraData()->model()->index(0, 0).data().toString(), QString("it's"));
   }
 
   void runCurrentAndTreeSendTheirBlock() {

@@ -157,8 +157,9 @@ class SqlEditorDialogsTest : public QObject {
         child<QPushButton>(second, "btnCancel")->click();
       });
     });
-    QVERIFY(!AskMacroValues(macros, params, [&](const QString& m) { shown << m; }, nullptr));
-    QCOMPARE(macros[0].Value, std::string("'3,5'"));
+    const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
+    QVERIFY(!AskMacroValues(macros, params, escape, [&](const QString& m) { shown << m; }, nullptr));
+    QCOMPARE(macros[0].Value, std::string("'<3,5>'"));
     QCOMPARE(macros[1].Value, std::string());
     QVERIFY(shown.isEmpty());
     params.LoadFile();
@@ -170,14 +171,14 @@ class SqlEditorDialogsTest : public QObject {
     TMyParams params(folder_);
     params.addRecToParamas("id", "7", "Integer");
     QStringList shown;
-    TformParamsManager missing(params, "other", true, [&](const QString& m) { shown << m; });
+    TformParamsManager missing(params, "other", true, {}, [&](const QString& m) { shown << m; });
     missing.show();
     child<QCheckBox>(&missing, "chkUseOldParam")->setChecked(true);
     child<QPushButton>(&missing, "btnOk")->click();
     QCOMPARE(shown, QStringList{"Variable not found in  the old values."});
     QVERIFY(missing.isVisible());
 
-    TformParamsManager found(params, "id", true, {});
+    TformParamsManager found(params, "id", true, {}, {});
     found.show();
     QCOMPARE(child<QTableView>(&found, "grdOldValues")->currentIndex().row(), 0);
     child<QCheckBox>(&found, "chkUseOldParam")->setChecked(true);

@@ -113,7 +113,7 @@ void TframeExplorer::buildRoot() {
   tree_->clear();
   auto* root = addNode(nullptr, ex::rootText(session_.Settings.Server), ex::image::Server, 0);
   std::vector<std::string> names;
-  if (const auto result = run(ex::showDatabasesSql(databaseFilter_)))
+  if (const auto result = run(ex::showDatabasesSql(databaseFilter_, escaper())))
     for (const auto& row : result->rows) names.push_back(row.empty() ? std::string() : row[0]);
   for (const auto& entry : ex::databaseEntries(names, session_.CurrentDatabase(), session_.Settings.Database))
     addDatabaseFolders(addNode(root, entry.name, entry.imageIndex, 0));
@@ -124,6 +124,10 @@ void TframeExplorer::buildRoot() {
 
 void TframeExplorer::clearObjects() {
   if (auto* root = tree_->topLevelItem(0)) removeChildren(root);
+}
+
+ex::ValueEscaper TframeExplorer::escaper() {
+  return [this](std::string_view value) { return EscapeString(session_, value); };
 }
 
 std::optional<ex::ResultTable> TframeExplorer::run(const std::string& sql) {
@@ -147,8 +151,7 @@ std::optional<ex::ResultTable> TframeExplorer::run(const std::string& sql) {
 
 void TframeExplorer::fetchFolder(QTreeWidgetItem* folder) {
   const auto path = pathOf(folder);
-  const auto sql = ex::folderStatement(path, serverMajor_, filter_->text().toStdString(),
-                                       [this](std::string_view value) { return EscapeString(session_, value); });
+  const auto sql = ex::folderStatement(path, serverMajor_, filter_->text().toStdString(), escaper());
   if (!sql) return;
   removeChildren(folder);
   const auto result = run(*sql);

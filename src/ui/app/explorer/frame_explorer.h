@@ -67,6 +67,7 @@ class TframeExplorer : public QWidget {
   void addFolder(QTreeWidgetItem* parent, const std::string& text, int imageIndex = explorer::image::Folder);
   void addDatabaseFolders(QTreeWidgetItem* database);
   void fetchFolder(QTreeWidgetItem* folder);
+  explorer::ValueEscaper escaper();
   std::optional<explorer::ResultTable> run(const std::string& sql);
   void refetch(QTreeWidgetItem* folder);
   void onItemExpanded(QTreeWidgetItem* item);
