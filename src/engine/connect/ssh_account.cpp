@@ -24,29 +24,35 @@ TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesyst
   return s;
 }
 
-void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
-                                 const std::filesystem::path& keyStoreFolder) {
+void PrepareAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                          const std::filesystem::path& keyStoreFolder) {
   // Disconnecting closes the tunnel in the main window's after-disconnect step: first, then.
   if (session.Connected()) session.Disconnect();
   session.Settings.TunnelPort = 0;
   if (!account.UseSSH) {
     tunnel.Close();
-    session.Connect();
     return;
   }
   tunnel.Open(tunnelSettingsOf(account, keyStoreFolder));
   session.Settings.TunnelPort = tunnel.LocalPort();
+}
+
+void CloseTunnelUnlessConnected(TMyConnection& session, TSshTunnel& tunnel) {
+  if (session.Connected()) return;
+  tunnel.Close();
+  session.Settings.TunnelPort = 0;
+}
+
+void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                                 const std::filesystem::path& keyStoreFolder) {
+  PrepareAccountTunnel(session, tunnel, account, keyStoreFolder);
   try {
     session.Connect();
   } catch (...) {
-    tunnel.Close();
-    session.Settings.TunnelPort = 0;
+    CloseTunnelUnlessConnected(session, tunnel);
     throw;
   }
-  if (!session.Connected()) {
-    tunnel.Close();
-    session.Settings.TunnelPort = 0;
-  }
+  CloseTunnelUnlessConnected(session, tunnel);
 }
 
 }  // namespace lomarin
