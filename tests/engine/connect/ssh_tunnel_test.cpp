@@ -125,6 +125,30 @@ TEST_F(SshTunnelTest, AKeyNameTheStoreDoesNotHoldFailsBeforeConnecting) {
   EXPECT_FALSE(fs::exists(store.knownHostsFile()));
 }
 
+TEST_F(SshTunnelTest, AnSshServerThatIsNotThereIsNamedAndNothingStaysOpen) {
+  // A port that was free a moment ago: nothing listens on it.
+  const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  ASSERT_EQ(::bind(probe, reinterpret_cast<sockaddr*>(&address), length), 0);
+  ASSERT_EQ(::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length), 0);
+  ::close(probe);
+  account.SSHPort = ntohs(address.sin_port);
+  TMyConnection session;
+  try {
+    connect(session);
+    FAIL() << "connected to a closed port";
+  } catch (const TSshError& error) {
+    EXPECT_TRUE(
+        std::string(error.what()).starts_with("Cannot connect to the SSH server " + hostName() + ": "))
+        << error.what();
+  }
+  EXPECT_FALSE(tunnel.IsOpen());
+  EXPECT_EQ(session.Settings.TunnelPort, 0);
+}
+
 TEST_F(SshTunnelTest, AnImportedPassphraseProtectedKeyLogsIn) {
   const fs::path file = folder.path() / "id_ed25519";
   ASSERT_EQ(std::system(("ssh-keygen -q -t ed25519 -N pass -f '" + file.string() + "'").c_str()), 0);
