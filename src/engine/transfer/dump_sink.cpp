@@ -1,5 +1,6 @@
 #include "engine/transfer/dump_sink.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -44,10 +45,19 @@ void TLinesDumpSink::flush() {
 
 void TStreamDumpSink::write(std::string_view text) { writeAll(stream_, text, "standard output"); }
 
-TFileDumpSink::TFileDumpSink(std::filesystem::path file)
+TFileDumpSink::TFileDumpSink(std::filesystem::path file, Access access)
     : file_(std::move(file)), temp_(file_.string() + ".tmp"), buffer_(1 << 20) {
-  stream_ = std::fopen(temp_.c_str(), "wb");
-  if (!stream_) failOn(temp_, "create");
+  const mode_t mode = access == Access::OwnerOnly ? 0600 : 0666;
+  // A temporary file left by an earlier run would keep its own permissions.
+  std::error_code ignored;
+  std::filesystem::remove(temp_, ignored);
+  const int fd = ::open(temp_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+  if (fd < 0) failOn(temp_, "create");
+  stream_ = fdopen(fd, "wb");
+  if (!stream_) {
+    ::close(fd);
+    failOn(temp_, "create");
+  }
   std::setvbuf(stream_, buffer_.data(), _IOFBF, buffer_.size());
 }
 

@@ -43,8 +43,10 @@ class TStreamDumpSink : public TDumpSink {
 // never seen half-written; without commit() the temporary file is removed.
 class TFileDumpSink : public TDumpSink {
  public:
+  // OwnerOnly: the file is readable by its owner alone from its first byte (it holds secrets).
+  enum class Access { Default, OwnerOnly };
   // Throws std::runtime_error when the temporary file cannot be created.
-  explicit TFileDumpSink(std::filesystem::path file);
+  explicit TFileDumpSink(std::filesystem::path file, Access access = Access::Default);
   ~TFileDumpSink() override;
   TFileDumpSink(const TFileDumpSink&) = delete;
   TFileDumpSink& operator=(const TFileDumpSink&) = delete;

@@ -117,7 +117,7 @@ std::vector<TExportRun> PlanExport(const TExportDbState& s,
   const std::string suffix = "." + s.database;
   if (s.fullExport) {
     TExportRun run;
-    run.objects = TMyDumpObjects(routinesKnown ? 127 : 27);
+    run.objects = FullExportObjects(s.serverMajorVersion);
     if (s.database != s.currentDatabase) {
       std::vector<std::string> tables, routines;
       for (const auto& t : s.tables) tables.push_back(t.name + suffix);
@@ -185,6 +185,33 @@ std::vector<TExportRun> PlanExport(const TExportDbState& s,
   }
   run.file = outputFile;
   return {run};
+}
+
+TMyDumpObjects FullExportObjects(int serverMajorVersion) {
+  return TMyDumpObjects(serverMajorVersion >= 5 ? 127 : 27);
+}
+
+std::string DumpKindsText(TMyDumpObjects objects) {
+  static const std::pair<TMyDumpObject, const char*> kinds[] = {
+      {doDatabase, "the database"},
+      {doUsers, "every account of the server with its grants and password hash"},
+      {doStoredProcs, "stored procedures and functions"},
+      {doTables, "table scripts"},
+      {doData, "table data"},
+      {doViews, "views"},
+      {doTriggers, "triggers"},
+  };
+  std::string text;
+  for (const auto& [kind, words] : kinds)
+    if (objects.has(kind)) text += (text.empty() ? "" : ", ") + std::string(words);
+  return text;
+}
+
+std::filesystem::path ConfiguredBackupFolder(const std::string& option,
+                                             const std::filesystem::path& fallback) {
+  if (option.empty()) return fallback;
+  std::filesystem::path folder(option);
+  return folder.has_filename() ? folder / "" : folder;
 }
 
 std::filesystem::path BackupFolder(const std::string& stored, const std::filesystem::path& fallback) {

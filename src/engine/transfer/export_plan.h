@@ -91,7 +91,17 @@ struct TExportRun {
 std::vector<TExportRun> PlanExport(const TExportDbState& state,
                                    const std::function<std::string(const std::string&)>& quote);
 
+// The set a full export dumps on a server of that major version.
+TMyDumpObjects FullExportObjects(int serverMajorVersion);
+// The kinds of a set for the user to read, in script order ("the database, every account of the
+// server with its grants and password hash, ...").
+std::string DumpKindsText(TMyDumpObjects objects);
+
 // The folder scripts go to: the stored one when it ends in a separator, else fallback.
 std::filesystem::path BackupFolder(const std::string& stored, const std::filesystem::path& fallback);
+// The folder the dialog starts with: the "Backup Directory " option when set (a folder chosen in
+// the options has no separator at its end), else fallback.
+std::filesystem::path ConfiguredBackupFolder(const std::string& option,
+                                             const std::filesystem::path& fallback);
 
 }  // namespace lomarin

@@ -114,9 +114,7 @@ TfrmExportDb::TfrmExportDb(TMyConnection& session, SettingsStore& settings, QWid
   connect(w_->btnStop, &QPushButton::clicked, this, [this] { stopRequested_ = true; });
   connect(w_->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 
-  const std::string fallback = (dataFolder() / "Backups" / "").string();
-  w_->edtDirectory->setText(
-      QString::fromStdString(BackupFolder(settings_.read(opt::BackupDirectory), fallback)));
+  w_->edtDirectory->setText(QString::fromStdString(defaultFolder().string()));
   fillDatabases();
 }
 
@@ -160,10 +158,17 @@ void TfrmExportDb::buildObjectsTab(QWidget* page) {
     optionsLayout->addWidget(b);
   optionsLayout->addStretch();
 
-  auto* layout = new QHBoxLayout(page);
-  layout->addWidget(tables, 1);
-  layout->addWidget(kinds);
-  layout->addWidget(options);
+  w_->lblFullExport = named(new QLabel, "lblFullExport");
+  w_->lblFullExport->setWordWrap(true);
+  w_->lblFullExport->setVisible(false);
+
+  auto* boxes = new QHBoxLayout;
+  boxes->addWidget(tables, 1);
+  boxes->addWidget(kinds);
+  boxes->addWidget(options);
+  auto* layout = new QVBoxLayout(page);
+  layout->addLayout(boxes, 1);
+  layout->addWidget(w_->lblFullExport);
 }
 
 void TfrmExportDb::buildStoredProcsTab(QWidget* page) {
@@ -270,6 +275,10 @@ void TfrmExportDb::cobodbChange() {
   w_->pgcExport->setTabVisible(w_->pgcExport->indexOf(w_->tsStoredProcs), routines);
   for (QCheckBox* b : {w_->chkViewScript, w_->chkStoredProcs, w_->chkTriggers}) b->setEnabled(routines);
   w_->chkViewScript->setChecked(routines);
+  // Said before the run: a full export also carries every account's password hash.
+  w_->lblFullExport->setText(QString::fromStdString(
+      "A full export writes " + DumpKindsText(FullExportObjects(session_.ServerMajorVersion())) +
+      ". The file is readable by you alone."));
   w_->edtFileName->setText(QString::fromStdString(db + ".sql"));
   w_->lstTables->clear();
   w_->lstStoredProcs->clear();
@@ -336,13 +345,17 @@ void TfrmExportDb::updateUserSqlRows() {
 }
 
 void TfrmExportDb::chkFullExportClick() {
+  w_->lblFullExport->setVisible(w_->chkFullExport->isChecked());
   if (!w_->chkFullExport->isChecked()) return;
   for (QCheckBox* kind : w_->kindBoxes()) kind->setChecked(false);
   w_->chkOnlyFile->setChecked(false);
   w_->chkTableData->setChecked(true);
 }
 
-void TfrmExportDb::kindBoxClick() { w_->chkFullExport->setChecked(false); }
+void TfrmExportDb::kindBoxClick() {
+  w_->chkFullExport->setChecked(false);
+  w_->lblFullExport->setVisible(false);
+}
 
 void TfrmExportDb::report(const QString& message) {
   if (showError_)

@@ -53,6 +53,10 @@ class TfrmExportDb : public QDialog {
   void btnOkClick();
 
   TExportDbState state() const;
+  // "Backup Directory " when set, else the data folder's Backups.
+  std::filesystem::path defaultFolder() const;
+  bool confirmOverwrite(const std::vector<TExportRun>& runs);
+  void reportFinished(const std::vector<TExportRun>& runs);
   void runExport(const std::vector<TExportRun>& runs);
   void runOne(const TExportRun& run);
   void uncheckItem(const TExportRun& run);

@@ -1,8 +1,10 @@
 // The OK button of TfrmExportDb: plans the runs from the widgets and feeds them to the engine.
 #include <QApplication>
 #include <QDir>
+#include <QMessageBox>
 
 #include "engine/app/data_folder.h"
+#include "engine/app/option_names.h"
 #include "engine/transfer/sql_text.h"
 #include "ui/transfer/clipboard_dump_sink.h"
 #include "ui/transfer/form_export_db.h"
@@ -12,7 +14,7 @@ namespace lomarin::ui {
 
 namespace {
 
-std::filesystem::path defaultBackupFolder() { return dataFolder() / "Backups" / ""; }
+std::filesystem::path programBackupFolder() { return dataFolder() / "Backups" / ""; }
 
 std::string text(const QLineEdit* edit) { return edit->text().toStdString(); }
 
@@ -55,9 +57,13 @@ TExportDbState TfrmExportDb::state() const {
   return s;
 }
 
+std::filesystem::path TfrmExportDb::defaultFolder() const {
+  return ConfiguredBackupFolder(settings_.read(opt::BackupDirectory), programBackupFolder());
+}
+
 void TfrmExportDb::btnOkClick() {
   // A folder without its trailing separator is not taken: the default one is used and shown.
-  const std::filesystem::path folder = BackupFolder(text(w_->edtDirectory), defaultBackupFolder());
+  const std::filesystem::path folder = BackupFolder(text(w_->edtDirectory), defaultFolder());
   w_->edtDirectory->setText(QString::fromStdString(folder.string()));
   if (w_->cobodb->currentText().isEmpty()) {
     report("Choose a database");
@@ -70,11 +76,44 @@ void TfrmExportDb::btnOkClick() {
     report(QString::fromStdString(error.what()));
     return;
   }
-  if (folder == defaultBackupFolder() && (!runs.empty() && !runs.front().file.empty())) {
+  if (folder == programBackupFolder() && (!runs.empty() && !runs.front().file.empty())) {
     std::error_code ignored;
     std::filesystem::create_directories(folder, ignored);
   }
+  if (!confirmOverwrite(runs)) return;
   runExport(runs);
+}
+
+bool TfrmExportDb::confirmOverwrite(const std::vector<TExportRun>& runs) {
+  QStringList existing;
+  for (const TExportRun& run : runs)
+    if (!run.file.empty() && std::filesystem::exists(run.file))
+      existing << QString::fromStdString(run.file.string());
+  if (existing.isEmpty()) return true;
+  const QString text =
+      existing.size() == 1
+          ? QString("%1 already exists.\nReplace it?").arg(existing.front())
+          : QString("These files already exist:\n%1\nReplace them?").arg(existing.join("\n"));
+  QMessageBox box(QMessageBox::Question, windowTitle(), text, QMessageBox::Yes | QMessageBox::No, this);
+  box.setObjectName("ExportOverwrite");
+  box.setDefaultButton(QMessageBox::No);
+  return box.exec() == QMessageBox::Yes;
+}
+
+void TfrmExportDb::reportFinished(const std::vector<TExportRun>& runs) {
+  QString where;
+  if (runs.size() == 1)
+    where = runs.front().file.empty()
+                ? QString("The script is on the clipboard.")
+                : QString("The script is in %1").arg(QString::fromStdString(runs.front().file.string()));
+  else
+    where = QString("%1 files are in %2")
+                .arg(runs.size())
+                .arg(QString::fromStdString(runs.front().file.parent_path().string()));
+  QMessageBox box(QMessageBox::Information, windowTitle(), "Export finished.\n" + where, QMessageBox::Ok,
+                  this);
+  box.setObjectName("ExportFinished");
+  box.exec();
 }
 
 void TfrmExportDb::runExport(const std::vector<TExportRun>& runs) {
@@ -99,6 +138,7 @@ void TfrmExportDb::runExport(const std::vector<TExportRun>& runs) {
     return;
   }
   if (runs.size() == 1 && runs.front().queryRun) setProgress("", 100);
+  if (!runs.empty()) reportFinished(runs);
   if (w_->chkOpenFile->isChecked() && runs.size() == 1 && !runs.front().file.empty())
     emit openFileRequested(QString::fromStdString(runs.front().file.string()));
   accept();
@@ -142,7 +182,9 @@ void TfrmExportDb::runOne(const TExportRun& run) {
     write(sink);
     sink.commit();
   } else {
-    TFileDumpSink sink(run.file);
+    // Account grants carry password hashes.
+    TFileDumpSink sink(run.file, run.objects.has(TMyDumpObject::doUsers) ? TFileDumpSink::Access::OwnerOnly
+                                                                         : TFileDumpSink::Access::Default);
     write(sink);
     sink.commit();
   }

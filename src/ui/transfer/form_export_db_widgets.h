@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QProgressBar>
@@ -42,6 +43,7 @@ struct TfrmExportDb::Widgets {
   QCheckBox* chkStoredProcs = nullptr;
   QCheckBox* chkViewScript = nullptr;
   QCheckBox* chkTriggers = nullptr;
+  QLabel* lblFullExport = nullptr;
 
   QCheckBox* chkGenerateHeader = nullptr;
   QCheckBox* chkDropStatements = nullptr;

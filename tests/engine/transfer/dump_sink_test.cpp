@@ -55,6 +55,29 @@ TEST(DumpSinks, FileAppearsOnlyWhenComplete) {
   fs::remove_all(dir);
 }
 
+TEST(DumpSinks, OwnerOnlyFileIsNeverReadableByOthers) {
+  const fs::path dir = fs::temp_directory_path() / "lomarin-dump-sink-private";
+  fs::remove_all(dir);
+  fs::create_directories(dir);
+  const fs::path file = dir / "users.sql";
+  std::ofstream(file) << "old";
+  fs::permissions(
+      file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read | fs::perms::others_read);
+  // A temporary file an earlier run left behind, readable by all.
+  std::ofstream(dir / "users.sql.tmp") << "stale";
+  fs::permissions(dir / "users.sql.tmp", fs::perms::all);
+  const auto others = fs::perms::group_all | fs::perms::others_all;
+  {
+    TFileDumpSink sink(file, TFileDumpSink::Access::OwnerOnly);
+    EXPECT_EQ(fs::status(dir / "users.sql.tmp").permissions() & others, fs::perms::none);
+    sink.write("GRANT USAGE ON *.* TO `a`@`%` IDENTIFIED BY PASSWORD '*0';\r\n");
+    sink.commit();
+  }
+  EXPECT_EQ(fs::status(file).permissions() & fs::perms::all, fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(readFile(file), "GRANT USAGE ON *.* TO `a`@`%` IDENTIFIED BY PASSWORD '*0';\r\n");
+  fs::remove_all(dir);
+}
+
 TEST(DumpNames, ListsTrimBlanksAndDatabaseSuffix) {
   EXPECT_EQ(SplitNames("a,b.shop, c ", "shop"), (std::vector<std::string>{"a", "b", "c"}));
   EXPECT_EQ(SplitNames("a.other,,", "shop"), (std::vector<std::string>{"a.other"}));

@@ -144,5 +144,23 @@ TEST(ExportPlan, BackupFolderNeedsATrailingSeparator) {
   EXPECT_EQ(BackupFolder("", "/data/Backups/"), "/data/Backups/");
 }
 
+TEST(ExportPlan, ConfiguredBackupFolderIsTakenWithOrWithoutItsSeparator) {
+  EXPECT_EQ(ConfiguredBackupFolder("/srv/dumps", "/data/Backups/"), "/srv/dumps/");
+  EXPECT_EQ(ConfiguredBackupFolder("/srv/dumps/", "/data/Backups/"), "/srv/dumps/");
+  EXPECT_EQ(ConfiguredBackupFolder("", "/data/Backups/"), "/data/Backups/");
+}
+
+TEST(ExportPlan, FullExportKindsAreNamedUsersAndTheirHashesIncluded) {
+  EXPECT_EQ(
+      DumpKindsText(FullExportObjects(10)),
+      "the database, every account of the server with its grants and password hash, stored procedures and "
+      "functions, table scripts, table data, views, triggers");
+  EXPECT_EQ(DumpKindsText(FullExportObjects(4)),
+            "the database, every account of the server with its grants and password hash, table scripts, "
+            "table data");
+  EXPECT_EQ(FullExportObjects(4).bits(), 27);
+  EXPECT_EQ(FullExportObjects(5).bits(), 127);
+}
+
 }  // namespace
 }  // namespace lomarin

@@ -4,8 +4,11 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -18,6 +21,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
 #include "engine/connect/my_query.h"
 #include "test_server.h"
@@ -58,6 +62,29 @@ class FormExportDbTest : public QObject {
                                                [this](const QString& message) { errors_ << message; });
     form->show();
     return form;
+  }
+  // Answers the message boxes the dialog shows next, in turn, noting "<name>: <text>" of each.
+  // Polled without waiting inside: a box's own event loop must end before the next one opens.
+  QStringList boxes_;
+  QList<QMessageBox::StandardButton> answers_;
+  QPointer<QMessageBox> answered_;
+  QTimer boxPoll_;
+  void answer(const QList<QMessageBox::StandardButton>& buttons) {
+    boxes_.clear();
+    answers_ = buttons;
+    boxPoll_.setInterval(20);
+    boxPoll_.callOnTimeout(this, &FormExportDbTest::answerBox, Qt::UniqueConnection);
+    boxPoll_.start();
+  }
+  void answerBox() {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (!box || box == answered_ || !box->isVisible()) return;
+    answered_ = box;
+    boxes_ << box->objectName() + ": " + box->text();
+    snapshot(box, qPrintable(box->objectName()));
+    const QMessageBox::StandardButton button = answers_.takeFirst();
+    if (answers_.isEmpty()) boxPoll_.stop();
+    box->button(button)->click();
   }
   // Snapshots for a person to look at, when asked for.
   void snapshot(QWidget* form, const char* name) {
@@ -139,7 +166,10 @@ class FormExportDbTest : public QObject {
     directory->setText(dir_->filePath("elsewhere"));
     child<QCheckBox>(form.get(), "chkOpenFile")->setChecked(true);
     QSignalSpy opened(form.get(), &TfrmExportDb::openFileRequested);
+    answer({QMessageBox::Ok});
     child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(boxes_, QStringList{"ExportFinished: Export finished.\nThe script is in " +
+                                 dir_->filePath("data/Backups/ui_export.sql")});
     QCOMPARE(opened.count(), 1);
     QCOMPARE(opened.at(0).at(0).toString(), dir_->filePath("data/Backups/ui_export.sql"));
     QCOMPARE(errors_, QStringList());
@@ -161,7 +191,10 @@ class FormExportDbTest : public QObject {
     child<QCheckBox>(form.get(), "chkOnlyFile")->setChecked(false);
     auto* tables = child<QListWidget>(form.get(), "lstTables");
     tables->item(1)->setCheckState(Qt::Unchecked);
+    answer({QMessageBox::Ok});
     child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(boxes_,
+             QStringList{"ExportFinished: Export finished.\n3 files are in " + dir_->filePath("each")});
     QCOMPARE(errors_, QStringList());
     QVERIFY(has(readFile(dir_->filePath("each/a.sql")), "INSERT INTO a VALUES (1);"));
     QVERIFY(!QFile::exists(dir_->filePath("each/b.sql")));
@@ -181,7 +214,9 @@ class FormExportDbTest : public QObject {
     child<QLineEdit>(form.get(), "edtValue1")->setText("1");
     child<QRadioButton>(form.get(), "rbCopyToClipboard")->setChecked(true);
     QGuiApplication::clipboard()->clear();
+    answer({QMessageBox::Ok});
     child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(boxes_, QStringList{"ExportFinished: Export finished.\nThe script is on the clipboard."});
     QCOMPARE(errors_, QStringList());
     const QString text = QGuiApplication::clipboard()->text();
     QVERIFY2(text.contains("\r\nINSERT INTO a VALUES (2);\r\n"), qPrintable(text));
@@ -213,6 +248,52 @@ class FormExportDbTest : public QObject {
     QVERIFY(QDir(dir_->filePath("stopped")).isEmpty());
     QVERIFY(form->isVisible());
     QVERIFY(!stop->isEnabled());
+  }
+
+  // Every account with its password hash: readable by the owner alone, said before the run, and
+  // an existing file is replaced only when the user says so.
+  void fullExportWithUsersIsPrivateAndAsksBeforeReplacing() {
+    test::sideExec("CREATE USER IF NOT EXISTS 'ui_export_user'@'localhost' IDENTIFIED BY 'Secret-42'");
+    const std::string hash =
+        test::scalar(*session_, "SELECT Password FROM mysql.user WHERE User = 'ui_export_user'");
+    auto form = open();
+    QVERIFY(QDir(dir_->path()).mkpath("full"));
+    const QString file = dir_->filePath("full/ui_export.sql");
+    { std::ofstream(file.toStdString()) << "kept"; }
+    child<QLineEdit>(form.get(), "edtDirectory")->setText(dir_->filePath("full/"));
+    auto* said = child<QLabel>(form.get(), "lblFullExport");
+    QVERIFY(!said->isVisible());
+    child<QCheckBox>(form.get(), "chkFullExport")->click();
+    QVERIFY(said->isVisible());
+    QVERIFY2(said->text().contains("every account of the server with its grants and password hash"),
+             qPrintable(said->text()));
+    snapshot(form.get(), "export-full");
+
+    answer({QMessageBox::No});
+    child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(boxes_, QStringList{"ExportOverwrite: " + file + " already exists.\nReplace it?"});
+    QCOMPARE(readFile(file), std::string("kept"));
+    QVERIFY(form->isVisible());
+
+    answer({QMessageBox::Yes, QMessageBox::Ok});
+    child<QPushButton>(form.get(), "btnOk")->click();
+    QCOMPARE(boxes_, (QStringList{"ExportOverwrite: " + file + " already exists.\nReplace it?",
+                                  "ExportFinished: Export finished.\nThe script is in " + file}));
+    QCOMPARE(errors_, QStringList());
+    const std::string script = readFile(file);
+    QVERIFY(has(script,
+                "GRANT USAGE ON *.* TO `ui_export_user`@`localhost` IDENTIFIED BY PASSWORD '" + hash + "';"));
+    QCOMPARE(QFile::permissions(file) &
+                 ~(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser),
+             QFileDevice::Permissions());
+    test::sideExec("DROP USER 'ui_export_user'@'localhost'");
+  }
+
+  void directoryFollowsTheBackupDirectoryOption() {
+    settings_->write(opt::BackupDirectory, dir_->filePath("chosen").toStdString());
+    auto form = open();
+    QCOMPARE(child<QLineEdit>(form.get(), "edtDirectory")->text(), dir_->filePath("chosen/"));
+    settings_->write(opt::BackupDirectory, std::string());
   }
 
   void cleanupTestCase() { test::sideExec("DROP DATABASE IF EXISTS ui_export"); }
