@@ -51,6 +51,12 @@ class WaitCursor {
 
 constexpr int kSideBarWidth = 260;
 
+QStringList toolbarNameList() {
+  QStringList names;
+  for (std::string_view name : toolbarNames()) names << qs(name);
+  return names;
+}
+
 }  // namespace
 
 Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
@@ -339,10 +345,7 @@ WindowLayout Tformppal::layout() const {
   layout.maximized = isMaximized();
   layout.sideBarWidth = paneSideBar_->width();
   layout.mruList = QString::fromStdString(mru_.toText());
-  for (std::string_view name : toolbarNames()) {
-    const QToolBar* bar = actions_->toolbar(name);
-    layout.toolbarDocks.insert(bar->objectName(), toolBarArea(bar));
-  }
+  layout.toolbars = toolbarPlaces(*this, toolbarNameList());
   return layout;
 }
 
@@ -352,10 +355,7 @@ void Tformppal::applyLayout(const WindowLayout& layout) {
   if (layout.sideBarWidth > 0) resizeDocks({paneSideBar_}, {layout.sideBarWidth}, Qt::Horizontal);
   mru_ = MruList::fromText(layout.mruList.toStdString());
   rebuildRecentMenu();
-  for (auto it = layout.toolbarDocks.begin(); it != layout.toolbarDocks.end(); ++it) {
-    QToolBar* bar = actions_->toolbar(it.key().toStdString());
-    if (bar && it.value() != Qt::NoToolBarArea) addToolBar(it.value(), bar);
-  }
+  restoreToolbarPlaces(*this, toolbarNameList(), layout.toolbars);
 }
 
 void Tformppal::closeEvent(QCloseEvent* event) {

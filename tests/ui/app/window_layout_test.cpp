@@ -1,3 +1,5 @@
+#include "ui/app/window_layout.h"
+
 #include <QFile>
 #include <QTest>
 #include <QToolBar>
@@ -6,7 +8,6 @@
 #include "shell_test_support.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
-#include "ui/app/window_layout.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -30,7 +31,7 @@ class WindowLayoutTest : public QObject {
     layout.maximized = true;
     layout.sideBarWidth = 310;
     layout.mruList = "/a/one.txt\n/b/two.txt\n";
-    layout.toolbarDocks = {{"tbtDbBar", Qt::LeftToolBarArea}, {"tbtbarFile", Qt::TopToolBarArea}};
+    layout.toolbars = {{"tbtDbBar", {Qt::LeftToolBarArea, 0, 0}}, {"tbtbarFile", {Qt::TopToolBarArea, 1, 2}}};
     QString error;
     QVERIFY2(lomarin::ui::saveWindowLayout(layout, path, &error), qPrintable(error));
 
@@ -42,6 +43,8 @@ class WindowLayoutTest : public QObject {
     QVERIFY(xml.contains("<Tformppal.Maximized>TRUE</Tformppal.Maximized>"));
     QVERIFY(xml.contains("<tbtDbBar.CurrentDock>Left</tbtDbBar.CurrentDock>"));
     QVERIFY(xml.contains("<tbtDbBar.DefaultDock>"));
+    QVERIFY(xml.contains("<tbtbarFile.DockRow>1</tbtbarFile.DockRow>"));
+    QVERIFY(xml.contains("<tbtbarFile.DockPos>2</tbtbarFile.DockPos>"));
     QVERIFY(xml.contains("<tbtSchema.CurrentDock>"));
     QVERIFY(!xml.contains("<tbtSchema.DefaultDock>"));
 
@@ -51,7 +54,9 @@ class WindowLayoutTest : public QObject {
     QCOMPARE(back->maximized, true);
     QCOMPARE(back->sideBarWidth, 310);
     QCOMPARE(back->mruList, layout.mruList);
-    QCOMPARE(back->toolbarDocks.value("tbtDbBar"), Qt::LeftToolBarArea);
+    QCOMPARE(back->toolbars.value("tbtDbBar").dock, Qt::LeftToolBarArea);
+    QCOMPARE(back->toolbars.value("tbtbarFile").row, 1);
+    QCOMPARE(back->toolbars.value("tbtbarFile").position, 2);
   }
 
   void booleanTextsAndDamagedFiles() {
@@ -63,7 +68,8 @@ class WindowLayoutTest : public QObject {
 
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<Configuration><General><Tformppal.Maximized>y</Tformppal.Maximized></General></Configuration>");
+    file.write(
+        "<Configuration><General><Tformppal.Maximized>y</Tformppal.Maximized></General></Configuration>");
     file.close();
     QVERIFY(lomarin::ui::loadWindowLayout(path, &error)->maximized);
 
@@ -83,7 +89,7 @@ class WindowLayoutTest : public QObject {
       lomarin::ui::Tformppal window(*fresh.store);
       WindowLayout layout = window.layout();
       layout.mruList = "/x/1.txt\n/x/2.txt\n";
-      layout.toolbarDocks["tbtDbaBar"] = Qt::BottomToolBarArea;
+      layout.toolbars["tbtDbaBar"] = {Qt::BottomToolBarArea, -1, -1};
       window.applyLayout(layout);
       saved = window.layout();
     }
@@ -91,6 +97,46 @@ class WindowLayoutTest : public QObject {
     window.applyLayout(saved);
     QCOMPARE(window.recentFiles().items(), (std::vector<std::string>{"/x/1.txt", "/x/2.txt"}));
     QCOMPARE(window.toolBarArea(window.actions().toolbar("tbtDbaBar")), Qt::BottomToolBarArea);
+  }
+
+  // Second start, maximised: the file is read before the window shows, as at start-up.
+  void toolbarRowsAndOrderSurviveAMaximisedRoundTrip() {
+    lomarin::test::FreshSettings fresh;
+    const QString path = fresh.dir.filePath("data/ide_settings.xml");
+    QMap<QString, lomarin::ui::ToolbarPlace> before;
+    {
+      lomarin::ui::Tformppal window(*fresh.store);
+      window.showMaximized();
+      QTRY_VERIFY(window.isMaximized());
+      window.addToolBar(Qt::BottomToolBarArea, window.actions().toolbar("tbtProjects"));
+      QTRY_VERIFY(window.actions().toolbar("tbtProjects")->y() > window.actions().toolbar("tbtDbBar")->y());
+      before = window.layout().toolbars;
+      QString error;
+      QVERIFY2(lomarin::ui::saveWindowLayout(window.layout(), path, &error), qPrintable(error));
+    }
+    QCOMPARE(before.value("tbtbarFile").row, 0);
+    QCOMPARE(before.value("tbtbarFile").position, 0);
+    QCOMPARE(before.value("tbtDbBar").row, 1);
+    QCOMPARE(before.value("tbtSchema").position, 2);
+    QCOMPARE(before.value("tbtProjects").dock, Qt::BottomToolBarArea);
+    for (int start = 0; start < 2; ++start) {
+      lomarin::ui::Tformppal window(*fresh.store);
+      QString error;
+      const auto layout = lomarin::ui::loadWindowLayout(path, &error);
+      QVERIFY2(layout, qPrintable(error));
+      window.applyLayout(*layout);
+      window.show();
+      QTRY_VERIFY(window.isMaximized());
+      QTRY_COMPARE(window.actions().toolbar("tbtDbBar")->y(), window.actions().toolbar("tbtSchema")->y());
+      const auto after = window.layout().toolbars;
+      for (auto it = before.begin(); it != before.end(); ++it) {
+        const auto& place = after.value(it.key());
+        QVERIFY2(
+            place.dock == it->dock && place.row == it->row && place.position == it->position,
+            qPrintable(QString("%1: row %2 position %3").arg(it.key()).arg(place.row).arg(place.position)));
+      }
+      QVERIFY2(lomarin::ui::saveWindowLayout(window.layout(), path, &error), qPrintable(error));
+    }
   }
 };
 
