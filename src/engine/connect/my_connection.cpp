@@ -134,7 +134,7 @@ void TMyConnection::Impl::close() {
 
 void TMyConnection::Impl::fail(const ServerError& error) {
   lastError = error;
-  if (owner.Events.OnError) owner.Events.OnError(error);
+  if (owner.Events.OnError && !onBorrower()) owner.Events.OnError(error);
   throw error;
 }
 
@@ -196,6 +196,7 @@ std::optional<ServerError> TMyConnection::Impl::lostBeforeSending() {
 }
 
 void TMyConnection::Impl::send(std::string_view sql, std::string_view traced) {
+  awaitTurn();
   if (!mysql) fail(ServerError(CR_SERVER_GONE_ERROR, "HY000", "Not connected"));
   releasePending();
   for (;;) {
@@ -225,7 +226,8 @@ void TMyConnection::Impl::send(std::string_view sql, std::string_view traced) {
       fail(error);
     }
     for (;;) {
-      if (!owner.Events.OnConnectionLost || owner.Events.OnConnectionLost() != RetryMode::ReconnectExecute)
+      if (!owner.Events.OnConnectionLost || onBorrower() ||
+          owner.Events.OnConnectionLost() != RetryMode::ReconnectExecute)
         fail(error);
       try {
         reconnect();
@@ -254,6 +256,7 @@ TMyConnection::~TMyConnection() { d->close(); }
 void TMyConnection::setMonitor(TMySQLMonitor* monitor) { d->monitor = monitor; }
 
 void TMyConnection::Connect() {
+  d->awaitTurn();
   if (Connected()) Disconnect();
   if (Events.BeforeConnect) Events.BeforeConnect();
   std::string charset = Settings.Charset;
@@ -267,6 +270,7 @@ void TMyConnection::Connect() {
 }
 
 void TMyConnection::Disconnect() {
+  d->awaitTurn();
   if (!Connected()) return;
   if (Events.BeforeDisconnect) Events.BeforeDisconnect();
   d->close();
@@ -286,7 +290,10 @@ std::string TMyConnection::CurrentDatabase() const { return d->schema(); }
 
 unsigned long TMyConnection::ThreadId() const { return d->mysql ? mysql_thread_id(d->mysql) : 0; }
 
-void TMyConnection::ReleasePending() { d->releasePending(); }
+void TMyConnection::ReleasePending() {
+  d->awaitTurn();
+  d->releasePending();
+}
 
 unsigned TMyConnection::AppliedConnectTimeout() const {
   unsigned timeout = 0;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "engine/connect/lost_connection.h"
 #include "engine/connect/server_error.h"
@@ -25,6 +27,10 @@ struct TMySessionEvents {
   std::function<void(const ServerError&)> OnError;
   // Asked when a statement finds the connection gone; no handler means the error is raised.
   std::function<RetryMode()> OnConnectionLost;
+  // Called on a thread that needs the session while it is lent to another thread, with what the
+  // borrower runs; true once it has waited (it is asked again while the loan lasts), false to
+  // block the thread until the loan ends. None: the thread blocks.
+  std::function<bool(const std::string& what)> OnBusy;
 };
 
 // One server session. Every statement goes through it, so the monitor sees them all.
@@ -63,6 +69,25 @@ class TMyConnection {
 
   std::string GetMySQLinfo() const;
   const std::optional<ServerError>& LastError() const;
+
+  // Lends the session to one worker thread until Return() or destruction. Meanwhile a statement,
+  // connect or disconnect of any other thread first waits through Events.OnBusy, and errors of
+  // the borrower's statements skip OnError and OnConnectionLost: its lender reports them.
+  class Loan {
+   public:
+    Loan(TMyConnection& connection, std::thread::id borrower, std::string what);
+    ~Loan();
+    Loan(const Loan&) = delete;
+    Loan& operator=(const Loan&) = delete;
+    // Ends the loan; callable from the borrower's thread.
+    void Return();
+
+   private:
+    TMyConnection& connection_;
+    std::atomic<bool> returned_ = false;
+  };
+  // What the session is lent for; empty when it is not lent.
+  std::string LentFor() const;
 
   // Multi-statement requests stay off except while one of these is alive.
   class MultiStatements {

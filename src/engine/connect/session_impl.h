@@ -3,6 +3,8 @@
 
 #include <mysql.h>
 
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +34,15 @@ struct TMyConnection::Impl {
   bool lossReported = false;
   // The query whose result rows (or further results) are still unread on the connection.
   TMyQuery* pending = nullptr;
+
+  // The loan of the session to a worker thread (TMyConnection::Loan).
+  mutable std::mutex loanMutex;
+  std::condition_variable loanEnded;
+  std::optional<std::thread::id> borrower;
+  std::string lentFor;
+  bool onBorrower() const;
+  // Returns once the calling thread may use the session.
+  void awaitTurn();
 
   MYSQL* open(const std::string& database, const std::string& charset);
   void close();

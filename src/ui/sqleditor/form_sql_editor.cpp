@@ -27,6 +27,7 @@
 #include "ui/sqleditor/editor_file_codec.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/memo_commands.h"
+#include "ui/sqleditor/query_wait.h"
 
 namespace lomarin::ui {
 
@@ -76,6 +77,10 @@ TformSQLEditor::TformSQLEditor(TSqlEditorContext context, QWidget* parent)
   setWindowTitle("SQL editor");
   setAttribute(Qt::WA_DeleteOnClose);
   if (ctx_.ShippedFolder.isEmpty()) ctx_.ShippedFolder = DefaultShippedFolder();
+  if (!ctx_.Activity) {
+    ownActivity_ = std::make_unique<TSessionActivity>(ctx_.Session);
+    ctx_.Activity = ownActivity_.get();
+  }
   ApplyScriptOptions(*myScript_, ctx_.Settings);
   frame_ = new TframeecSQL(ctx_.Settings, loadKeywords(ctx_.ShippedFolder), completionSources(ctx_), this);
   buildActions();
@@ -170,6 +175,8 @@ void TformSQLEditor::buildLayout() {
   layout->setSpacing(0);
   layout->addWidget(tbSQL_);
   layout->addWidget(splSQL_, 1);
+  wait_ = new TWaitPanel(this);
+  layout->addWidget(wait_);
   layout->addWidget(status);
 }
 

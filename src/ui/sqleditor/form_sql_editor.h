@@ -30,6 +30,8 @@ namespace lomarin::ui {
 
 class TframeData;
 class TframeecSQL;
+class TSessionActivity;
+class TWaitPanel;
 
 // What an editor document uses of the program around it.
 struct TSqlEditorContext {
@@ -46,6 +48,9 @@ struct TSqlEditorContext {
   std::function<std::vector<TDbObjectItem>()> DatabaseObjects;
   // The connection runs through an SSH tunnel: query-mode runs then read every row at once.
   std::function<bool()> IsSSHTunnel;
+  // What runs on the session off the UI thread, shared by the window's documents. None: the
+  // editor keeps one of its own.
+  TSessionActivity* Activity = nullptr;
   // The folder holding the shipped "Utils/" and "formatter/" files.
   QString ShippedFolder;
   // The editor charset, line-end format and encoding the connection chose; files are read and
@@ -67,6 +72,8 @@ class TformSQLEditor : public QWidget {
   TframeecSQL* frame() const { return frame_; }
   // The grid of the first result of a query-mode run.
   TframeData* fraData() const { return fraData_; }
+  // Where a run that lasts shows its wait and its Stop.
+  TWaitPanel* waitPanel() const { return wait_; }
   QTabWidget* results() const { return pgcResults_; }
   QAction* action(const QString& objectName) const;
   QString panelText(int index) const;
@@ -116,6 +123,7 @@ class TformSQLEditor : public QWidget {
   void setRunning(bool running);
 
   TSqlEditorContext ctx_;
+  std::unique_ptr<TSessionActivity> ownActivity_;
   std::unique_ptr<TMyScript> myScript_;
   std::string scriptErrors_;
   std::string formatterSource_;
@@ -130,6 +138,7 @@ class TformSQLEditor : public QWidget {
   TframeecSQL* frame_;
   TframeData* fraData_;
   QTabWidget* pgcResults_;
+  TWaitPanel* wait_;
   std::vector<QLabel*> panels_;
 };
 

@@ -6,7 +6,6 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <chrono>
-#include <utility>
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
@@ -31,32 +30,6 @@
 namespace lomarin::ui {
 
 namespace {
-
-// The session's handlers show dialogs; while a worker thread uses the session they stay off,
-// and the caller shows what went wrong once back on this thread. A result still open in a grid
-// is read in first, here, so the worker never adds rows to a grid that is painting them.
-class DetachedSessionHandlers {
- public:
-  explicit DetachedSessionHandlers(TMyConnection& session) : session_(session) {
-    try {
-      session_.ReleasePending();
-    } catch (const ServerError&) {
-      // Shown by the handler still attached; the worker's request meets the same state.
-    }
-    onError_ = std::exchange(session_.Events.OnError, nullptr);
-    onLost_ = std::exchange(session_.Events.OnConnectionLost, nullptr);
-  }
-  ~DetachedSessionHandlers() {
-    session_.Events.OnError = std::move(onError_);
-    session_.Events.OnConnectionLost = std::move(onLost_);
-  }
-  const std::function<void(const ServerError&)>& onError() const { return onError_; }
-
- private:
-  TMyConnection& session_;
-  std::function<void(const ServerError&)> onError_;
-  std::function<RetryMode()> onLost_;
-};
 
 QString secondsText(std::chrono::steady_clock::duration elapsed) {
   const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
@@ -128,27 +101,26 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
   const bool fetchAll = (ctx_.IsSSHTunnel && ctx_.IsSSHTunnel()) || ctx_.Settings.read(opt::FetchAllRecords);
   TQueryRun run;
   std::optional<ServerError> failure;
-  {
-    DetachedSessionHandlers detached(ctx_.Session);
-    runningThread_ = ctx_.Session.ThreadId();
-    stopRequested_ = false;
-    setRunning(true);
-    try {
-      RunOffUiThread([&] { run = OpenQueryRun(ctx_.Session, sql, fetchAll, TDataModel::FirstRows); },
-                     [this] { Stop(); }, this, "Run SQL");
-    } catch (const ServerError& error) {
-      failure = error;
-    }
-    setRunning(false);
-    // The user asked for the interruption; its error tells nothing new.
-    if (failure && stopRequested_) return;
-    if (failure && detached.onError()) {
-      detached.onError()(*failure);
-      return;
-    }
+  runningThread_ = ctx_.Session.ThreadId();
+  stopRequested_ = false;
+  setRunning(true);
+  try {
+    ctx_.Activity->run(
+        TSessionActivity::describe("Run SQL", QString::fromStdString(sql)),
+        [&] { run = OpenQueryRun(ctx_.Session, sql, fetchAll, TDataModel::FirstRows); }, [this] { Stop(); },
+        wait_);
+  } catch (const ServerError& error) {
+    failure = error;
   }
+  setRunning(false);
   if (failure) {
-    showError(QString::fromStdString(failure->message()));
+    // The user asked for the interruption; its error tells nothing new.
+    if (stopRequested_) return;
+    // The worker's error skipped the session's handler: it is shown here, on this thread.
+    if (ctx_.Session.Events.OnError)
+      ctx_.Session.Events.OnError(*failure);
+    else
+      showError(QString::fromStdString(failure->message()));
     return;
   }
   const auto elapsed = std::chrono::steady_clock::now() - t0;
@@ -159,7 +131,6 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
 
 void TformSQLEditor::RunEditorScript() {
   if (!askCurrentDb() || running_) return;
-  DetachedSessionHandlers detached(ctx_.Session);
   TMyScript& script = *myScript_;
   script.SQL = frame_->selectionOrText().toStdString();
   scriptErrors_.clear();
@@ -171,7 +142,8 @@ void TformSQLEditor::RunEditorScript() {
   runningThread_ = 0;
   setRunning(true);
   try {
-    RunScriptWithProgress(script, this, "Run SQL Script");
+    RunScriptWithProgress(*ctx_.Activity, script, wait_,
+                          TSessionActivity::describe("Run SQL Script", QString::fromStdString(script.SQL)));
   } catch (const ServerError& error) {
     scriptErrors_ += error.message();
   }

@@ -1,7 +1,10 @@
 #include "ui/sqleditor/sqleditor_commands.h"
 
+#include <QAction>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QToolBar>
 #include <memory>
 
 #include "engine/sqleditor/db_object_names.h"
@@ -9,17 +12,41 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/sqleditor/form_sql_editor.h"
+#include "ui/sqleditor/query_wait.h"
 
 namespace lomarin::ui {
 
 namespace {
 
-// The history, the parameter values and the name lists every editor of the window shares.
+// The history, the parameter values and the name lists every editor of the window shares, and
+// what runs on the window's session.
 struct SharedStores {
   THsitory History;
   TMyParams Params;
   TDbNameLists Names;
+  TSessionActivity* Activity = nullptr;
 };
+
+// The main window's Stop: ends what runs on the session, whichever document started it.
+void addSessionStop(Tformppal& window, TSessionActivity& activity) {
+  auto* stop = new QAction("Stop", &window);
+  stop->setObjectName("actStopSession");
+  stop->setToolTip("Stop what runs on the session");
+  stop->setEnabled(false);
+  // First on its bar, so a narrow window does not hide it behind the bar's extension.
+  QToolBar* bar = window.actions().toolbar("tbtDbBar");
+  bar->insertAction(bar->actions().value(0), stop);
+  window.actions().menu("Database")->addAction(stop);
+  QObject::connect(stop, &QAction::triggered, &activity, &TSessionActivity::stop);
+  QObject::connect(&activity, &TSessionActivity::started, stop, [stop](const QString& what) {
+    stop->setEnabled(true);
+    stop->setToolTip("Stop " + what);
+  });
+  QObject::connect(&activity, &TSessionActivity::ended, stop, [stop] {
+    stop->setEnabled(false);
+    stop->setToolTip("Stop what runs on the session");
+  });
+}
 
 std::vector<TDbObjectItem> databaseObjects(TMyConnection& session, TDbNameLists& names) {
   std::vector<TDbObjectItem> items;
@@ -41,6 +68,7 @@ TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>
   context.CurrentDb = [&window] { return window.currentdb(); };
   context.FileChoices = [&window] { return window.editorFileChoices(); };
   context.IsSSHTunnel = [&window] { return window.IsSSHTunnel(); };
+  context.Activity = stores->Activity;
   return new TformSQLEditor(context);
 }
 
@@ -49,6 +77,9 @@ TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>
 void installSqlEditorCommands(Tformppal& window) {
   auto stores =
       std::make_shared<SharedStores>(SharedStores{OpenHistory(window.settings()), OpenParams(), {}});
+  stores->Activity = new TSessionActivity(window.MySqlSession, &window);
+  stores->Activity->setObjectName("SessionActivity");
+  addSessionStop(window, *stores->Activity);
   window.actions().setHandler("actSqlEditor",
                               [&window, stores] { window.addDocument(newEditor(window, stores)); });
   window.setFileOpener(".sql", [&window, stores](const QString& fileName) -> QWidget* {

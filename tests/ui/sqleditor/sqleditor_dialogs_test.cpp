@@ -16,8 +16,8 @@
 #include "engine/app/settings_store.h"
 #include "engine/connect/sql_monitor.h"
 #include "engine/sqleditor/my_script.h"
-#include "engine/sqleditor/script_services.h"
 #include "engine/sqleditor/query_params.h"
+#include "engine/sqleditor/script_services.h"
 #include "engine/sqleditor/sql_history.h"
 #include "test_server.h"
 #include "ui/sqleditor/form_exec_script.h"
@@ -25,6 +25,7 @@
 #include "ui/sqleditor/form_params_manager.h"
 #include "ui/sqleditor/form_sql_history.h"
 #include "ui/sqleditor/frame_ec_sql.h"
+#include "ui/sqleditor/query_wait.h"
 #include "ui/sqleditor/script_progress.h"
 #include "ui_test_registry.h"
 
@@ -73,7 +74,8 @@ class SqlEditorDialogsTest : public QObject {
     auto session = test::connect();
     TMySQLMonitor monitor;
     QStringList sent;
-    monitor.addListener([&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
+    monitor.addListener(
+        [&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
     session->setMonitor(&monitor);
     QStringList shown;
     const QString faulty = "create table ui_exec (a int) engine = nosuch_engine_x";
@@ -103,8 +105,9 @@ class SqlEditorDialogsTest : public QObject {
     QVERIFY(!good.isVisible());
     QCOMPARE(good.result(), int(QDialog::Accepted));
     QCOMPARE(sent.last(), QString("create table ui_exec (a int)"));
-    QCOMPARE(test::scalar(*session, "SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA = "
-                                    "'lomarin_test' AND TABLE_NAME = 'ui_exec'"),
+    QCOMPARE(test::scalar(*session,
+                          "SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA = "
+                          "'lomarin_test' AND TABLE_NAME = 'ui_exec'"),
              std::string("1"));
 
     TformExecScript closed(*session, settings, "drop table ui_exec", {});
@@ -197,33 +200,37 @@ class SqlEditorDialogsTest : public QObject {
       errorsOnGuiThread = QThread::currentThread() == qApp->thread();
       ScriptError(errors, error, statement, action);
     };
-    QDialog* progress = nullptr;
+    TSessionActivity activity(*session);
+    TWaitPanel panel;
     std::chrono::steady_clock::time_point stopAsked;
+    bool panelShown = false;
     // Polled without waiting inside: the run's own event loop must get on meanwhile.
     QTimer poll;
     poll.setInterval(50);
     QObject::connect(&poll, &QTimer::timeout, [&] {
-      progress = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-      if (!progress || progress->objectName() != "ScriptProgress") return;
+      if (!panel.isVisible() || QApplication::activeModalWidget()) return;
       poll.stop();
-      snapshot(progress, "script_progress");
+      panelShown = true;
+      snapshot(&panel, "script_progress");
       stopAsked = std::chrono::steady_clock::now();
-      child<QPushButton>(progress, "btnStop")->click();
+      child<QPushButton>(&panel, "btnStop")->click();
     });
     poll.start();
-    RunScriptWithProgress(script, nullptr, "Running script");
-    QVERIFY(progress != nullptr);
+    RunScriptWithProgress(activity, script, &panel, "Running script");
+    QVERIFY(panelShown);
+    QVERIFY(!panel.isVisible());
     QVERIFY(std::chrono::steady_clock::now() - stopAsked < std::chrono::seconds(1));
     QVERIFY(script.Stopped());
     QVERIFY(errorsOnGuiThread);
-    QCOMPARE(errors, std::string("select * from no_such_table\rTable 'lomarin_test.no_such_table' doesn't exist\n"));
+    QCOMPARE(errors,
+             std::string("select * from no_such_table\rTable 'lomarin_test.no_such_table' doesn't exist\n"));
 
     // A quick run shows no dialog, and a failure without a handler comes back here.
     script.OnError = nullptr;
     script.SQL = "select 1; select * from no_such_table";
     bool thrown = false;
     try {
-      RunScriptWithProgress(script, nullptr, "Running script");
+      RunScriptWithProgress(activity, script, nullptr, "Running script");
     } catch (const ServerError& error) {
       thrown = error.number() == 1146;
     }

@@ -1,0 +1,188 @@
+#include <Qsci/qsciscintilla.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+
+#include "../app/shell_test_support.h"
+#include "test_server.h"
+#include "ui/app/formppal.h"
+#include "ui/app/main_actions.h"
+#include "ui/dataview/form_data.h"
+#include "ui/dataview/frame_data.h"
+#include "ui/sqleditor/form_sql_editor.h"
+#include "ui/sqleditor/frame_ec_sql.h"
+#include "ui/sqleditor/query_wait.h"
+#include "ui/sqleditor/sqleditor_commands.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using namespace lomarin;
+using namespace lomarin::ui;
+
+constexpr const char* kSleep = "SELECT SLEEP(30)";
+
+// The main window on the test server with an SQL editor and two table windows, and what the
+// session sent.
+struct BusyWindow {
+  test::FreshSettings fresh;
+  Tformppal window{*fresh.store};
+  QStringList sent;
+  TformSQLEditor* editor = nullptr;
+  TformData* rows = nullptr;
+  TformData* other = nullptr;
+
+  BusyWindow() {
+    installSqlEditorCommands(window);
+    window.resize(1100, 720);
+    window.show();
+    window.MySqlMonitor.addListener([this](const std::string& line) {
+      sent << QString::fromStdString(line.substr(line.find("] ") + 2));
+    });
+    window.MySqlSession.Settings = test::serverSettings();
+    window.MySqlSession.Settings.Database = "lomarin_busy_ui";
+    window.MySqlSession.Connect();
+    rows = openTableWindow(window.mdiArea(), window.MySqlSession, window.settings(), "lomarin_busy_ui",
+                           "many", false);
+    other = openTableWindow(window.mdiArea(), window.MySqlSession, window.settings(), "lomarin_busy_ui",
+                            "few", false);
+    window.actions().action("actSqlEditor")->trigger();
+    editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+    editor->frame()->memo()->setText(kSleep);
+    // Closing the window at the end asks nothing about unsaved text.
+    editor->frame()->memo()->setModified(false);
+  }
+  QAction* mainStop() const { return window.findChild<QAction*>("actStopSession"); }
+  void show(QWidget* document) const {
+    window.mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(document->parentWidget()));
+  }
+  void snapshot(QWidget* widget, const char* name) const {
+    const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
+    if (!dir.isEmpty()) widget->grab().save(QString::fromUtf8(dir) + "/" + name + ".png");
+  }
+  int sleepsOnServer() const {
+    auto side = test::connect();
+    return std::stoi(test::scalar(
+        *side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"));
+  }
+};
+
+class SessionBusyTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void initTestCase() {
+    test::sideExec("DROP DATABASE IF EXISTS lomarin_busy_ui");
+    test::sideExec("CREATE DATABASE lomarin_busy_ui");
+    test::sideExec("CREATE TABLE lomarin_busy_ui.many (id INT PRIMARY KEY)");
+    test::sideExec("INSERT INTO lomarin_busy_ui.many SELECT seq FROM lomarin_busy_ui.seq_1_to_600");
+    test::sideExec("CREATE TABLE lomarin_busy_ui.few (id INT PRIMARY KEY)");
+    test::sideExec("INSERT INTO lomarin_busy_ui.few VALUES (1), (2)");
+  }
+
+  // The run keeps to its editor: no modal box, another table window scrolls through rows it
+  // has read, and the main window's Stop ends the query.
+  void otherWindowsWorkAndTheMainStopEndsTheRun() {
+    BusyWindow w;
+    QTableView* grid = w.rows->frameData()->findChild<QTableView*>("cxdbgrData");
+    QVERIFY(grid);
+    QVERIFY(!w.mainStop()->isEnabled());
+    QElapsedTimer run;
+    qint64 stoppedAt = -1;
+    QTimer::singleShot(0, [&] {
+      QTRY_VERIFY(w.editor->waitPanel()->isVisible());
+      QVERIFY(QApplication::activeModalWidget() == nullptr);
+      QVERIFY(w.editor->waitPanel()->findChild<QLabel*>("lblWhat")->text() == QString("Run SQL: ") + kSleep);
+      w.snapshot(&w.window, "session_busy_main_window");
+      // Another document comes to the front and scrolls to its last row without the server.
+      const qsizetype sentBefore = w.sent.size();
+      w.show(w.rows);
+      QTRY_VERIFY(grid->isVisible());
+      grid->setFocus();
+      const auto toLastRow = [grid] {
+        QTest::keyClick(grid, Qt::Key_End, Qt::ControlModifier);
+        return grid->currentIndex().row() == 599;
+      };
+      QTRY_VERIFY(toLastRow());
+      QCOMPARE(grid->model()->rowCount(), 600);
+      QVERIFY(grid->verticalScrollBar()->value() > 0);
+      QCOMPARE(grid->verticalScrollBar()->value(), grid->verticalScrollBar()->maximum());
+      QCOMPARE(w.sent.size(), sentBefore);
+      // The main window's Stop, clicked on its toolbar.
+      QVERIFY(w.mainStop()->isEnabled());
+      QVERIFY(w.mainStop()->toolTip().contains(kSleep));
+      auto* bar = w.window.actions().toolbar("tbtDbBar");
+      stoppedAt = run.elapsed();
+      QTest::mouseClick(bar->widgetForAction(w.mainStop()), Qt::LeftButton);
+    });
+    run.start();
+    w.editor->action("actRun")->trigger();
+    const qint64 elapsed = run.elapsed();
+    QVERIFY(stoppedAt >= 0);
+    QVERIFY2(elapsed < 5000, qPrintable(QString::number(elapsed)));
+    QVERIFY2(elapsed - stoppedAt < 1000, qPrintable(QString::number(elapsed - stoppedAt)));
+    QVERIFY(!w.editor->waitPanel()->isVisible());
+    QVERIFY(!w.mainStop()->isEnabled());
+    QCOMPARE(w.sleepsOnServer(), 0);
+    QVERIFY(w.editor->action("actRun")->isEnabled());
+  }
+
+  // A document that needs the session meanwhile says what runs, waits when asked to, and goes
+  // on once the run has been stopped.
+  void aDocumentNeedingTheSessionAsksStopOrWait() {
+    BusyWindow w;
+    QElapsedTimer run;
+    QString asked;
+    bool stillWaiting = false;
+    bool refreshed = false;
+    QTimer::singleShot(0, [&] {
+      QTRY_VERIFY(w.editor->waitPanel()->isVisible());
+      w.show(w.other);
+      QTimer::singleShot(0, [&] {
+        QWidget* box = nullptr;
+        QTRY_VERIFY((box = QApplication::activeModalWidget()) != nullptr);
+        QCOMPARE(box->objectName(), QString("SessionBusy"));
+        asked = box->findChild<QLabel*>("lblBusy")->text();
+        w.snapshot(box, "session_busy_prompt");
+        box->findChild<QPushButton*>("btnWait")->click();
+        stillWaiting = box->isVisible() &&
+                       box->findChild<QLabel*>("lblBusy")->text().startsWith("Waiting for Run SQL") &&
+                       w.sleepsOnServer() == 1;
+        w.snapshot(box, "session_busy_waiting");
+        box->findChild<QPushButton*>("btnStop")->click();
+      });
+      // F5 in the other table window: its statement needs the session.
+      refreshed = w.other->frameData()->Refresh();
+    });
+    run.start();
+    w.editor->action("actRun")->trigger();
+    QVERIFY2(run.elapsed() < 5000, qPrintable(QString::number(run.elapsed())));
+    QVERIFY2(asked.contains(QString("Run SQL: ") + kSleep), qPrintable(asked));
+    QVERIFY(asked.contains("Stop it, or wait until it ends?"));
+    QVERIFY(stillWaiting);
+    QVERIFY(refreshed);
+    QCOMPARE(w.sleepsOnServer(), 0);
+    // The refresh went to the server after the query, not beside it.
+    QVERIFY(w.sent.indexOf(kSleep) >= 0);
+    QVERIFY(w.sent.lastIndexOf(QRegularExpression("select \\* from `?few`?.*")) > w.sent.indexOf(kSleep));
+    QCOMPARE(w.other->frameData()->findChild<QTableView*>("cxdbgrData")->model()->rowCount(), 2);
+  }
+
+  void cleanupTestCase() { test::sideExec("DROP DATABASE IF EXISTS lomarin_busy_ui"); }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(SessionBusyTest)
+#include "session_busy_test.moc"
