@@ -24,6 +24,7 @@
 #include "ui/connect/form_connect.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
+#include "ui/sqleditor/query_wait.h"
 #include "ui/sqleditor/sqleditor_commands.h"
 #include "ui_test_registry.h"
 
@@ -120,12 +121,11 @@ class SshConnectTest : public QObject {
     auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
     QVERIFY(editor);
     QElapsedTimer sinceStop;
-    // Stop once the request has outlasted the quiet moment and the wait dialog is up; polled, as
-    // the dialog runs its own event loop.
+    // Stop once the request has outlasted the quiet moment and the editor shows its wait; polled,
+    // as the run keeps its own event loop.
     QTimer poll;
     connect(&poll, &QTimer::timeout, [&] {
-      const QWidget* wait = QApplication::activeModalWidget();
-      if (!wait || wait->objectName() != "QueryWait" || sinceStop.isValid()) return;
+      if (!editor->waitPanel()->isVisible() || sinceStop.isValid()) return;
       sinceStop.start();
       editor->action("actStop")->trigger();
     });
