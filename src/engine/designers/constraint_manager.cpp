@@ -1,10 +1,10 @@
 #include "engine/designers/constraint_manager.h"
 
 #include <algorithm>
-#include <cctype>
 #include <regex>
 
 #include "engine/dataview/browse_sql.h"
+#include "engine/designers/sql_param.h"
 
 namespace lomarin::designers {
 
@@ -16,22 +16,12 @@ const std::regex kForeignPattern(
     R"(CONSTRAINT `[_a-zA-Z\d\-\.\_]+` FOREIGN KEY \(`[_a-zA-Z\d\-\.\_]+`\) +REFERENCES `[_a-zA-Z\d\-\.\_]+`)");
 const std::regex kForeignNamePattern(R"(CONSTRAINT `([_a-zA-Z\d\-\.\_]+)`)");
 
-std::string upper(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
-  return text;
-}
-
-// A hyphen would end the name, so only then does the database go between back-quotes.
-std::string hyphenQuoted(const std::string& database) {
-  return database.find('-') == std::string::npos ? database : dataview::BackQuote(database);
-}
-
 std::string foreignKeySql(const TAddConstraintState& state, bool referedColumnIndexed) {
   std::string sql;
   if (!referedColumnIndexed)
     sql = "CREATE INDEX " + state.ReferedColumn + " on " + state.Refers + "(" + state.ReferedColumn + ");" +
           "\r";
-  const std::string database = hyphenQuoted(state.Database);
+  const std::string database = HyphenQuoted(state.Database);
   sql += "ALTER TABLE " + database + "." + state.Refers + " ADD FOREIGN KEY ( " + state.ReferedColumn + ") " +
          " REFERENCES " + database + "." + state.Table + " (" + JoinColumns(state.Columns);
   if (!state.OnDelete.empty()) sql += " " + std::string("ON DELETE") + " " + state.OnDelete;
@@ -49,7 +39,7 @@ void addMatches(const std::string& text, const std::regex& pattern, const char* 
 
 bool ColumnHasIndex(const std::vector<TIndexRow>& rows, const std::string& column) {
   return std::any_of(rows.begin(), rows.end(),
-                     [&](const TIndexRow& row) { return upper(row.ColumnName) == upper(column); });
+                     [&](const TIndexRow& row) { return AsciiUpper(row.ColumnName) == AsciiUpper(column); });
 }
 
 std::string BuildAddConstraintSql(const TAddConstraintState& state, bool referedColumnIndexed) {
@@ -60,7 +50,7 @@ std::string BuildAddConstraintSql(const TAddConstraintState& state, bool refered
             JoinColumns(state.Columns);
       break;
     case TConstraintKind::UniqueKey:
-      sql = "ALTER TABLE " + hyphenQuoted(state.Database) + "." + state.Table + " ADD UNIQUE ( " +
+      sql = "ALTER TABLE " + HyphenQuoted(state.Database) + "." + state.Table + " ADD UNIQUE ( " +
             JoinColumns(state.Columns);
       break;
     case TConstraintKind::ForeignKey:

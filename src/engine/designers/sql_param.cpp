@@ -2,6 +2,8 @@
 
 #include <cctype>
 
+#include "engine/dataview/browse_sql.h"
+
 namespace lomarin::designers {
 
 namespace {
@@ -40,6 +42,16 @@ std::string ReplaceSqlParams(std::string_view sqlTemplate, const std::vector<TSq
 std::string ReplaceSqlParam(std::string_view sqlTemplate, std::string_view name, std::string_view value,
                             std::string_view quote) {
   return ReplaceSqlParams(sqlTemplate, {{std::string(name), std::string(value), quote == "Y"}});
+}
+
+std::string AsciiUpper(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return out;
+}
+
+std::string HyphenQuoted(std::string_view name) {
+  return name.find('-') == std::string_view::npos ? std::string(name) : dataview::BackQuote(name);
 }
 
 }  // namespace lomarin::designers

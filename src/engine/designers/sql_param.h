@@ -26,4 +26,9 @@ std::string ReplaceSqlParams(std::string_view sqlTemplate, const std::vector<TSq
 std::string ReplaceSqlParam(std::string_view sqlTemplate, std::string_view name, std::string_view value,
                             std::string_view quote);
 
+std::string AsciiUpper(std::string_view text);
+
+// A hyphen would end a bare name, so only then does the name go between back-quotes.
+std::string HyphenQuoted(std::string_view name);
+
 }  // namespace lomarin::designers
