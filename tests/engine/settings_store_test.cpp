@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -48,15 +49,145 @@ std::pair<std::string_view, std::string_view> keyAndName(const Option& option) {
   return std::visit([](const auto& o) { return std::pair(o.keyPath, o.name); }, option);
 }
 
-// What the table says about a value: "true"/"false", a quoted default, "none" or "missing".
-std::string documented(std::string_view keyPath, std::string_view name) {
-  for (const auto& option : allOptions()) {
-    if (keyAndName(option) != std::pair(keyPath, name)) continue;
-    if (const auto* flag = std::get_if<BoolOption>(&option)) return flag->def ? "true" : "false";
-    const auto& def = std::get<StringOption>(option).def;
-    return def ? '"' + std::string(*def) + '"' : "none";
+// The stored options as users and earlier versions know them: "name|type|default", one a line,
+// blanks kept; "none" where the dialog's current state is the default.
+constexpr std::string_view kOptionsValues = R"(Default DataBase Port|string|none
+ Auto Commit|bool|false
+Safe Transaction|bool|false
+SavePassWord|bool|false
+ Default Host Option |bool|false
+Menu Skin |string|none
+FetchAll Records|bool|false
+Drop Object|bool|true
+SQL Trace|bool|false
+SQL Tree Enable|bool|true
+Script Execution Optime |bool|false
+Allow mark object in the SQL editor|bool|false
+Skin Type|string|"1"
+Load objects in database change|bool|false
+Project Directory |string|none
+Mysql Bin Directory |string|""
+Backup Directory |string|none
+Certificates path |string|none
+Font Size |string|"10"
+Editor Font |string|"Courier New"
+WantsReturns|bool|false
+RowAutoHeight|bool|false
+AutoSearch|bool|false
+GroupFooters |bool|false
+ColumnAutoWidth|bool|false
+Row Sizing|bool|true
+Next cell on pressing Enter|bool|false
+Next cell on pressing Tab|bool|false
+Focus Firts cell on new record|bool|false
+Group Row Style|bool|true
+Value List for Foreing Keys|bool|false
+Cell Hints|bool|false
+Columns Best Fit|bool|true
+Deleting Confirmation|bool|false
+chkColumn Hiding|bool|false
+chkColumn Hiding on Grouping|bool|true
+Row Number|bool|false
+Filter Value List|bool|false
+Show All Databases|bool|false
+Font|string|none
+Font Charset|string|"4"
+Font Size|string|"8"
+Use Limit|bool|false
+Limit Size|string|"100"
+Limit Increment Value|string|"100"
+Gutter Visible |bool|true
+Auto Size |bool|false
+Show Lines |bool|false
+Show leading zeros|bool|false
+Extra Lines |string|none
+Tab Width |string|"8"
+Right Edge|string|none
+Auto indent|bool|true
+Drag and drop editing|bool|false
+Drag and drop files|bool|false
+Alt sets column mode|bool|false
+Maintain caret column|bool|false
+Want tabs|bool|false
+Smart tabs|bool|false
+Smart tab delete|bool|false
+Right mouse moves cursor|bool|false
+Enhance Home Key|bool|false
+Half page scroll|bool|false
+Scroll by one less|bool|false
+Scroll past end of file|bool|false
+Scroll past end of line|bool|false
+Show scroll hint|bool|false
+Scroll hint follows mouse|bool|false
+Tabs to spaces|bool|false
+Trim trailing spaces|bool|false
+Group undo|bool|false
+Disable scroll arrows|bool|false
+Show Special Chars|bool|false
+Editor Encoding|string|"ANSI"
+Editor Format|string|"Default"
+Editor Charset|string|"Default"
+)";
+
+constexpr std::string_view kQueryBuilderValues = R"(Syntax SQL provider|string|"MySQL"
+Link painting style|string|"MS Access style"
+Add object list style|string|"List style"
+Bk image darkness|string|"Light gray on White"
+Border style|string|"3D style"
+Enable word wrap|bool|false
+Show Fields|bool|true
+Show From|bool|true
+Include all schemas|bool|false
+Schema autoexpand|bool|false
+Expand Fields Nodes|bool|true
+Expand From Nodes|bool|true
+Expand uery Nodes|bool|true
+Expand Unions Nodes|bool|true
+Tree Grouping|string|"5"
+Show User Table|bool|true
+Show User View|bool|true
+Show User Procedure|bool|false
+Show System Table|bool|false
+Show System View|bool|false
+Show System Procedure|bool|false
+)";
+
+constexpr std::string_view kStartingUserValues = R"(Procedures |bool|false
+Functions |bool|false
+Triggers |bool|false
+Tables |bool|true
+Wiews |bool|true
+UDF |bool|false
+)";
+
+// Values of the options key that other windows read.
+constexpr std::string_view kOtherOptionsValues = R"(Output with statment |bool|false
+Output Size|string|"80"
+Encrypt SSH|string|"0"
+Default Password |string|none
+Default Database Host|string|none
+)";
+
+constexpr std::string_view kOptionsKey = R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Options)";
+
+std::vector<std::string> pinnedLines(std::string_view keyPath, std::string_view values) {
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < values.size();) {
+    const std::size_t end = values.find('\n', at);
+    lines.push_back(std::string(keyPath) + "|" + std::string(values.substr(at, end - at)));
+    at = end + 1;
   }
-  return "missing";
+  return lines;
+}
+
+// The same form for the program's own table.
+std::string lineOf(const Option& option) {
+  if (const auto* flag = std::get_if<BoolOption>(&option))
+    return std::string(flag->keyPath) + "|" + std::string(flag->name) + "|bool|" +
+           (flag->def ? "true" : "false");
+  const auto& text = std::get<StringOption>(option);
+  return std::string(text.keyPath) + "|" + std::string(text.name) + "|string|" +
+         (text.def ? '"' + std::string(*text.def) + '"' : "none");
 }
 
 class SettingsStoreTest : public ::testing::Test {
@@ -92,29 +223,23 @@ TEST_F(SettingsStoreTest, FreshStoreReadsEveryDefaultAndWritesNothing) {
   EXPECT_TRUE(store.valueNames(key::Options).empty());
 }
 
-TEST_F(SettingsStoreTest, TableHoldsTheDocumentedNamesAndDefaults) {
-  EXPECT_EQ(documented(key::Options, "Focus Firts cell on new record"), "false");
-  EXPECT_EQ(documented(key::Options, "Value List for Foreing Keys"), "false");
-  EXPECT_EQ(documented(key::Options, " Default Host Option "), "false");
-  EXPECT_EQ(documented(key::Options, "chkColumn Hiding on Grouping"), "true");
-  EXPECT_EQ(documented(key::Options, "Output with statment "), "false");
-  EXPECT_EQ(documented(key::QueryBuilder, "Expand uery Nodes"), "true");
-  EXPECT_EQ(documented(key::StartingUser, "Wiews "), "true");
-  EXPECT_EQ(documented(key::Options, "Limit Size"), "\"100\"");
-  EXPECT_EQ(documented(key::Options, "Skin Type"), "\"1\"");
-  EXPECT_EQ(documented(key::Options, "Font Size "), "\"10\"");
-  EXPECT_EQ(documented(key::Options, "Font Size"), "\"8\"");
-  EXPECT_EQ(documented(key::Options, "Editor Encoding"), "\"ANSI\"");
-  EXPECT_EQ(documented(key::Options, "Mysql Bin Directory "), "\"\"");
-  EXPECT_EQ(documented(key::Options, "Backup Directory "), "none");
-  EXPECT_EQ(documented(key::QueryBuilder, "Tree Grouping"), "\"5\"");
+TEST_F(SettingsStoreTest, TableHoldsTheKnownNamesTypesAndDefaults) {
+  std::vector<std::string> expected = pinnedLines(kOptionsKey, kOptionsValues);
+  EXPECT_EQ(expected.size(), 76u);
+  for (const auto& line :
+       pinnedLines(R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Options\QueryBuilder)", kQueryBuilderValues))
+    expected.push_back(line);
+  for (const auto& line :
+       pinnedLines(R"(\SOFTWARE\Kestrova\Lomarin for MySQL\Starting\User)", kStartingUserValues))
+    expected.push_back(line);
+  std::vector<std::string> dialog;
+  for (const auto& option : dialogOptions()) dialog.push_back(lineOf(option));
+  EXPECT_EQ(dialog, expected);
 
-  // 76 values of the Options key, 21 of QueryBuilder, 6 of Starting\User; no name twice in a key.
-  const auto dialog = dialogOptions();
-  EXPECT_EQ(dialog.size(), 103u);
-  EXPECT_EQ(std::count_if(dialog.begin(), dialog.end(),
-                          [](const Option& o) { return keyAndName(o).first == key::Options; }),
-            76);
+  std::set<std::string> all;
+  for (const auto& option : allOptions()) all.insert(lineOf(option));
+  for (const auto& line : pinnedLines(kOptionsKey, kOtherOptionsValues)) EXPECT_TRUE(all.count(line)) << line;
+
   std::set<std::pair<std::string_view, std::string>> seen;
   for (const auto& option : allOptions()) {
     auto [keyPath, name] = keyAndName(option);
@@ -347,6 +472,52 @@ TEST_F(SettingsStoreTest, ReadOnlyStoreReadsButDoesNotWrite) {
   EXPECT_FALSE(store.deleteKey(key::Options));
   EXPECT_EQ(store.read(opt::LimitSize), "50");
   EXPECT_EQ(bytesOf(file_), before);
+}
+
+unsigned modeOf(const fs::path& path) {
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 0777 : 0;
+}
+
+class ScopedUmask {
+ public:
+  explicit ScopedUmask(mode_t mask) : old_(::umask(mask)) {}
+  ~ScopedUmask() { ::umask(old_); }
+
+ private:
+  mode_t old_;
+};
+
+TEST_F(SettingsStoreTest, OnlyTheOwnerReachesTheFolderAndItsFiles) {
+  const ScopedUmask everyoneReads(022);
+  const fs::path folder = file_.parent_path();
+  { SettingsStore(file_).write(opt::DefaultPassword, "secret"); }
+  EXPECT_EQ(modeOf(folder), 0700u);
+  EXPECT_EQ(modeOf(file_), 0600u);
+
+  // The journals SQLite writes beside the file while a change is under way, in both journal modes.
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(file_.c_str(), &db), SQLITE_OK);
+  const auto exec = [db](const char* text) {
+    EXPECT_EQ(sqlite3_exec(db, text, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+  };
+  exec("BEGIN IMMEDIATE; UPDATE settings_value SET data = 'other'");
+  EXPECT_EQ(modeOf(folder / "settings.sqlite-journal"), 0600u);
+  exec("ROLLBACK; PRAGMA journal_mode = WAL; BEGIN IMMEDIATE; UPDATE settings_value SET data = 'other'");
+  EXPECT_EQ(modeOf(folder / "settings.sqlite-wal"), 0600u);
+  EXPECT_EQ(modeOf(folder / "settings.sqlite-shm"), 0600u);
+  exec("ROLLBACK; PRAGMA journal_mode = DELETE");
+  sqlite3_close(db);
+
+  // What an earlier version left readable to all is tightened at the next start.
+  writeBytes(folder / "known_hosts", "host key\n");
+  fs::permissions(folder / "known_hosts", fs::perms(0644));
+  fs::permissions(file_, fs::perms(0644));
+  fs::permissions(folder, fs::perms(0755));
+  EXPECT_EQ(SettingsStore(file_).read(opt::DefaultPassword), "secret");
+  EXPECT_EQ(modeOf(folder), 0700u);
+  EXPECT_EQ(modeOf(file_), 0600u);
+  EXPECT_EQ(modeOf(folder / "known_hosts"), 0600u);
 }
 
 class ScopedEnv {

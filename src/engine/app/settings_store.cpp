@@ -12,6 +12,7 @@
 #include <utility>
 
 #if __has_include(<pwd.h>)
+#include <fcntl.h>
 #include <pwd.h>
 #include <unistd.h>
 #endif
@@ -168,6 +169,28 @@ std::int64_t createKey(sqlite3* db, std::string_view path) {
   return id;
 }
 
+// The file holds account passwords: only its owner may read the folder and its files. SQLite gives
+// its journal files the database file's mode.
+void keepPrivate(const std::filesystem::path& folder) {
+  namespace fs = std::filesystem;
+  constexpr auto kOthers = fs::perms::group_all | fs::perms::others_all;
+  std::error_code ignored;
+  fs::permissions(folder, kOthers, fs::perm_options::remove, ignored);
+  for (const auto& entry : fs::directory_iterator(folder, ignored))
+    if (entry.is_regular_file(ignored))
+      fs::permissions(entry.path(), kOthers, fs::perm_options::remove, ignored);
+}
+
+// Created owner-only from the start, so no other user can open it in between.
+void createPrivateFile(const std::filesystem::path& file) {
+#if __has_include(<pwd.h>)
+  const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (fd >= 0) ::close(fd);
+#else
+  (void)file;
+#endif
+}
+
 std::vector<std::string> listNames(sqlite3* db, std::string_view keyPath, const char* sql) {
   std::vector<std::string> names;
   Transaction transaction(db, false);
@@ -205,7 +228,8 @@ struct SettingsStore::Impl {
         return body();
       } catch (const SqlFailure& failure) {
         if (isDamage(failure.code)) throw SettingsError(file, failure.message);
-        if ((failure.code & 0xff) != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline) return fallback;
+        if ((failure.code & 0xff) != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline)
+          return fallback;
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
@@ -224,8 +248,10 @@ void SettingsStore::Impl::open(SettingsStore::Access access) {
     if (access == Access::ReadOnly) return;
     // Only a missing file is created: an existing one is never replaced.
     std::filesystem::create_directories(file.parent_path(), ignored);
+    createPrivateFile(file);
     flags |= SQLITE_OPEN_CREATE;
   }
+  if (access == Access::ReadWrite) keepPrivate(file.parent_path());
   const int rc = sqlite3_open_v2(file.c_str(), &db, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
   if (rc != SQLITE_OK) {
     const std::string reason = db ? sqlite3_errmsg(db) : sqlite3_errstr(rc);

@@ -30,7 +30,8 @@ class SettingsStore {
  public:
   enum class Access { ReadWrite, ReadOnly };
 
-  // Creates the file and its folders when missing (not in ReadOnly mode).
+  // Creates the file and its folders when missing (not in ReadOnly mode). Its folder and the files
+  // in it are made owner-only (0700, 0600), those of earlier runs included.
   // Throws SettingsError when the file exists but is damaged or not a settings file.
   explicit SettingsStore(std::filesystem::path file, Access access = Access::ReadWrite);
   ~SettingsStore();
