@@ -19,11 +19,11 @@ constexpr std::string_view kEditors = "Other editors";
 constexpr std::string_view kHelp = "Help and links";
 constexpr std::string_view kWorkGroup = "Work group";
 
-constexpr std::string_view kCategories[] = {kFile,  kEdit,     kDatabase, kDba,    kNav,  kBackup,   kReports,
-                                            kSync,  kTools,    kProjects, kEditors, kHelp, kWorkGroup};
+constexpr std::string_view kCategories[] = {kFile, kEdit,  kDatabase, kDba,     kNav,  kBackup,   kReports,
+                                            kSync, kTools, kProjects, kEditors, kHelp, kWorkGroup};
 
-constexpr std::string_view kToolbars[] = {"tbtConectionBar", "tbtDbaBar",  "tbtDbBar",
-                                          "tbtEditBar",      "tbtMdi",     "tbtProjects",
+constexpr std::string_view kToolbars[] = {"tbtConectionBar", "tbtDbaBar",   "tbtDbBar",
+                                          "tbtEditBar",      "tbtMdi",      "tbtProjects",
                                           "tbtSchema",       "tbtSerchBar", "tbtbarFile"};
 
 constexpr ActionNeeds kOnline = ActionNeeds::Connection;
@@ -175,8 +175,9 @@ constexpr ActionSpec kActions[] = {
     {"actUserMessage", "User message", "", kWorkGroup, "", kOnline},
 };
 
-constexpr std::string_view kNeedVersion5[] = {"actNewView",    "actNewProc",    "actNewFunction",   "actProcReport",
-                                              "actFuncReport", "actNewTrigger", "actReportTriggers"};
+constexpr std::string_view kNeedVersion5[] = {"actNewView",        "actNewProc",    "actNewFunction",
+                                              "actProcReport",     "actFuncReport", "actNewTrigger",
+                                              "actReportTriggers", "actProcBuilder"};
 constexpr std::string_view kNeedVersion51[] = {"actNewEvent"};
 
 }  // namespace
@@ -186,16 +187,15 @@ std::span<const std::string_view> actionCategories() { return kCategories; }
 std::span<const std::string_view> toolbarNames() { return kToolbars; }
 
 const ActionSpec* findAction(std::string_view name) {
-  const auto* found =
-      std::find_if(std::begin(kActions), std::end(kActions), [&](const ActionSpec& a) { return a.name == name; });
+  const auto* found = std::find_if(std::begin(kActions), std::end(kActions),
+                                   [&](const ActionSpec& a) { return a.name == name; });
   return found == std::end(kActions) ? nullptr : found;
 }
 
 std::vector<std::string_view> actionsHiddenForServer(int majorVersion, int versionNumber) {
   std::vector<std::string_view> hidden;
   if (majorVersion < 5) hidden.insert(hidden.end(), std::begin(kNeedVersion5), std::end(kNeedVersion5));
-  if (versionNumber < 51)
-    hidden.insert(hidden.end(), std::begin(kNeedVersion51), std::end(kNeedVersion51));
+  if (versionNumber < 51) hidden.insert(hidden.end(), std::begin(kNeedVersion51), std::end(kNeedVersion51));
   return hidden;
 }
 

@@ -30,8 +30,8 @@ std::span<const std::string_view> toolbarNames();
 const ActionSpec* findAction(std::string_view name);
 
 // Actions a server does not support, from its major version and two-digit version number (see
-// engine/connect/server_version.h); the other gated actions are shown. Views, routines and
-// triggers need major version 5; events need 51.
+// engine/connect/server_version.h); the other gated actions are shown. Views, routines, triggers
+// and the procedure builder need major version 5; events need 51.
 std::vector<std::string_view> actionsHiddenForServer(int majorVersion, int versionNumber);
 // Every action whose visibility depends on the server version.
 std::vector<std::string_view> versionGatedActions();

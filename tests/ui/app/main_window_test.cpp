@@ -1,16 +1,17 @@
+#include <Qsci/qsciscintilla.h>
+
 #include <QAction>
 #include <QDockWidget>
 #include <QFile>
+#include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
-#include <QListWidget>
 #include <QMenuBar>
-#include <QRegularExpression>
-#include <Qsci/qsciscintilla.h>
-#include <QPlainTextEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -20,8 +21,8 @@
 #include "shell_test_support.h"
 #include "test_server.h"
 #include "ui/app/editor_ex.h"
-#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/exception_dialog.h"
+#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/app/select_database.h"
@@ -243,8 +244,8 @@ class MainWindowTest : public QObject {
     window.show();
     connectDemo(window);
     const auto s = lomarin::test::serverSettings();
-    QCOMPARE(window.windowTitle(),
-             QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username + ":lomarin_demo@" + s.Server + "]"));
+    QCOMPARE(window.windowTitle(), QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username +
+                                                          ":lomarin_demo@" + s.Server + "]"));
     auto& a = window.actions();
     QVERIFY(!a.action("actConect")->isEnabled());
     QVERIFY(a.action("actDisconect")->isEnabled());
@@ -256,7 +257,8 @@ class MainWindowTest : public QObject {
     a.action("actFlushStatus")->trigger();
     QTRY_VERIFY(lastOutputLine(window).endsWith(" ] FLUSH STATUS "));
     QVERIFY(lastOutputLine(window).startsWith("[SQL "));
-    const auto demo = window.explorer()->tree()->findItems("lomarin_demo", Qt::MatchExactly | Qt::MatchRecursive);
+    const auto demo =
+        window.explorer()->tree()->findItems("lomarin_demo", Qt::MatchExactly | Qt::MatchRecursive);
     QCOMPARE(demo.size(), 1);
     demo[0]->setExpanded(true);
     if (demo[0]->childCount() > 0) demo[0]->child(0)->setExpanded(true);
@@ -285,8 +287,8 @@ class MainWindowTest : public QObject {
     });
     window.actions().action("actConect")->trigger();
     QVERIFY(window.MySqlSession.Connected());
-    QCOMPARE(window.windowTitle(),
-             QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username + ":lomarin_demo@" + s.Server + "]"));
+    QCOMPARE(window.windowTitle(), QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username +
+                                                          ":lomarin_demo@" + s.Server + "]"));
     const QTreeWidgetItem* server = window.explorer()->tree()->topLevelItem(0);
     QVERIFY(server);
     QStringList shown;
@@ -322,9 +324,11 @@ class MainWindowTest : public QObject {
   void oldServersHideWhatTheyCannotDo() {
     lomarin::test::FreshSettings fresh;
     Tformppal window(*fresh.store);
-    const QStringList needs5{"actNewView",    "actNewProc",    "actNewFunction",   "actProcReport",
-                             "actFuncReport", "actNewTrigger", "actReportTriggers"};
-    const auto visible = [&](const QString& name) { return window.actions().action(name.toStdString())->isVisible(); };
+    const QStringList needs5{"actNewView",    "actNewProc",    "actNewFunction",    "actProcReport",
+                             "actFuncReport", "actNewTrigger", "actReportTriggers", "actProcBuilder"};
+    const auto visible = [&](const QString& name) {
+      return window.actions().action(name.toStdString())->isVisible();
+    };
     window.applyServerVersion("4.1.22");
     for (const QString& name : needs5) QVERIFY2(!visible(name), qPrintable(name));
     QVERIFY(!visible("actNewEvent"));
