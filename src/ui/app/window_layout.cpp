@@ -55,6 +55,29 @@ QToolBar* toolbar(const QMainWindow& window, const QString& name) {
   return window.findChild<QToolBar*>(name, Qt::FindDirectChildrenOnly);
 }
 
+// The file is shared with other windows (the connect dialog keeps its own section there): their
+// sections are copied as they are. False for a damaged file, which is then left alone.
+bool copyOtherSections(const QString& file, QXmlStreamWriter& out, QString* error) {
+  QFile in(file);
+  if (!in.exists()) return true;
+  if (!in.open(QIODevice::ReadOnly)) {
+    *error = in.errorString();
+    return false;
+  }
+  QXmlStreamReader xml(&in);
+  if (xml.readNextStartElement() && xml.name() == qs(kLayoutRoot)) {
+    int depth = 0;
+    bool copying = false;
+    while (xml.readNext() != QXmlStreamReader::Invalid) {
+      if (xml.isStartElement() && depth++ == 0) copying = xml.name() != qs(kLayoutSection);
+      if (xml.isEndElement() && depth-- == 0) return true;
+      if (copying && !xml.isWhitespace()) out.writeCurrentToken(xml);
+    }
+  }
+  *error = QObject::tr("%1 is damaged; the window layout was not saved").arg(file);
+  return false;
+}
+
 }  // namespace
 
 QString windowLayoutFile() {
@@ -92,6 +115,10 @@ bool saveWindowLayout(const WindowLayout& layout, const QString& file, QString* 
     value(bar + ".DockPos", QString::number(place.position));
   }
   xml.writeEndElement();
+  if (!copyOtherSections(file, xml, error)) {
+    out.cancelWriting();
+    return false;
+  }
   xml.writeEndElement();
   xml.writeEndDocument();
   if (!out.commit()) {

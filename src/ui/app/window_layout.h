@@ -29,7 +29,8 @@ struct WindowLayout {
 // The layout file in the data folder.
 QString windowLayoutFile();
 
-// Written to a temporary file first and renamed over the old one. False with *error set on failure.
+// Written to a temporary file first and renamed over the old one; the file's other sections are
+// kept. False with *error set on failure, and for a damaged file, which is left as it is.
 bool saveWindowLayout(const WindowLayout& layout, const QString& file, QString* error);
 // Nothing when the file is missing; nothing with *error set when it is damaged.
 std::optional<WindowLayout> loadWindowLayout(const QString& file, QString* error);

@@ -8,6 +8,7 @@
 #include "shell_test_support.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
+#include "ui/connect/connect_memory.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -78,8 +79,36 @@ class WindowLayoutTest : public QObject {
     file.close();
     QVERIFY(!lomarin::ui::loadWindowLayout(path, &error));
     QVERIFY(!error.isEmpty());
-    // Reported, and the damaged file is left as it was.
+    // Reported, and the damaged file is left as it was, also by a save.
+    QVERIFY(!lomarin::ui::saveWindowLayout(WindowLayout{}, path, &error));
     QCOMPARE(readAll(path), QByteArray("<Configuration><General><paneSideBar.Width>3"));
+  }
+
+  void layoutAndConnectDialogKeepEachOthersSection() {
+    lomarin::test::FreshSettings fresh;
+    const QString path = fresh.dir.filePath("ide_settings.xml");
+    lomarin::ui::ConnectMemory memory{"3307",       "utf8mb4", "Default", "lomarin_demo",
+                                      "db.example", "alice",   ""};
+    QVERIFY(lomarin::ui::writeConnectMemory(path, memory));
+    WindowLayout layout;
+    layout.sideBarWidth = 222;
+    layout.mruList = "/w/a.sql\n";
+    QString error;
+    // Every exit saves the layout; the connect dialog's last inputs survive each one.
+    for (int exit = 0; exit < 2; ++exit) {
+      QVERIFY2(lomarin::ui::saveWindowLayout(layout, path, &error), qPrintable(error));
+      QCOMPARE(lomarin::ui::readConnectMemory(path), std::optional(memory));
+    }
+    QCOMPARE(readAll(path).count("<Connect>"), 1);
+    QCOMPARE(readAll(path).count("<General>"), 1);
+
+    memory.login = "bob";
+    QVERIFY(lomarin::ui::writeConnectMemory(path, memory));
+    const auto back = lomarin::ui::loadWindowLayout(path, &error);
+    QVERIFY(back);
+    QCOMPARE(back->sideBarWidth, 222);
+    QCOMPARE(back->mruList, layout.mruList);
+    QCOMPARE(lomarin::ui::readConnectMemory(path)->login, QString("bob"));
   }
 
   void mainWindowRestoresRecentFilesAndToolbars() {
