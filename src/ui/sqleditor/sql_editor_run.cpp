@@ -53,7 +53,6 @@ bool TformSQLEditor::askCurrentDb() const { return !ctx_.CurrentDb || ctx_.Curre
 
 void TformSQLEditor::RunEditorText() {
   if (!askCurrentDb()) return;
-  clearResults();
   runQuery(frame_->selectionOrText().toStdString(), true);
 }
 
@@ -61,7 +60,6 @@ void TformSQLEditor::RunStatementText(const QString& text) { runQuery(text.toStd
 
 void TformSQLEditor::ExplainEditorText() {
   if (!askCurrentDb()) return;
-  clearResults();
   runQuery(ExplainText(frame_->selectionOrText().toStdString()), false);
 }
 
@@ -71,8 +69,10 @@ void TformSQLEditor::RunCurrentSQL() {
   int line = 0, index = 0;
   memo->getCursorPosition(&line, &index);
   const TRunCurrentPlan plan = PlanRunCurrent(memoLines(*memo), line);
-  clearResults();
-  if (plan.Text.empty()) return;
+  if (plan.Text.empty()) {
+    clearResults();
+    return;
+  }
   runQuery(plan.Text, true);
   memo->setCursorPosition(std::min(plan.CaretLine, memo->lines() - 1), 0);
   frame_->markExecuted(plan.StartLine);
@@ -90,7 +90,6 @@ void TformSQLEditor::addToHistory(const std::string& text) {
 void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
   if (running_) return;
   if (recordHistory) addToHistory(text);
-  const auto t0 = std::chrono::steady_clock::now();
   std::string sql = text;
   TMacros macros = MacrosOf(sql);
   if (!macros.empty()) {
@@ -98,6 +97,9 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
     if (!ctx_.Params || !AskMacroValues(macros, *ctx_.Params, escape, ctx_.ShowServerError, this)) return;
     sql = ExpandMacros(sql, macros);
   }
+  // Only once the values are in: a cancelled prompt leaves the last result on screen.
+  clearResults();
+  const auto t0 = std::chrono::steady_clock::now();
   const bool fetchAll = (ctx_.IsSSHTunnel && ctx_.IsSSHTunnel()) || ctx_.Settings.read(opt::FetchAllRecords);
   TQueryRun run;
   std::optional<ServerError> failure;

@@ -241,6 +241,12 @@ class SqlEditorTest : public QObject {
 
   void macroIsAskedOnceAndCancelSendsNothing() {
     Fixture f(folder_);
+    f.run("actRun", "select 41 as answer");
+    const auto shown = [&] {
+      const QAbstractItemModel* grid = f.editor->fraData()->model();
+      return grid->rowCount() == 1 ? grid->index(0, 0).data().toString() : QString();
+    };
+    QCOMPARE(shown(), QString("41"));
     int asked = 0;
     whenModal([&](QWidget* dialog) {
       ++asked;
@@ -249,6 +255,8 @@ class SqlEditorTest : public QObject {
     f.run("actRun", "select &id, &id + 1");
     QCOMPARE(asked, 1);
     QVERIFY(f.sent.isEmpty());
+    // Cancelling the prompt leaves the last result on screen.
+    QCOMPARE(shown(), QString("41"));
 
     whenModal([&](QWidget* dialog) {
       dialog->findChild<QLineEdit*>("edtValue")->setText("7");
