@@ -1,6 +1,7 @@
 #include "ui/app/startup.h"
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <cstdio>
 
 #include "engine/app/settings_store.h"
@@ -33,6 +34,13 @@ void connectAccount(Tformppal& window, SettingsStore& settings, const QString& n
   }
 }
 
+// A name typed in a terminal is relative to the folder it was typed in, which the running instance
+// does not share.
+QString fileArgument(const QCommandLineParser& parser) {
+  const QString file = parser.positionalArguments().value(0);
+  return file.isEmpty() ? file : QDir::current().absoluteFilePath(file);
+}
+
 }  // namespace
 
 int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& features) {
@@ -49,7 +57,7 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
     // Qt's own options (-platform ...) are only known once the GUI application has taken them.
     QCoreApplication handOff(argc, argv);
     if (parser.parse(handOff.arguments()) && parser.isSet(helpOption)) parser.showHelp();
-    const QString file = parser.positionalArguments().value(0);
+    const QString file = fileArgument(parser);
     if (!file.isEmpty()) {
       if (auto running = findRunningInstance(socketFolder)) return running->openFile(file) ? 0 : 1;
     }
@@ -57,7 +65,7 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
 
   LomarinApplication app(argc, argv);
   parser.process(app);
-  const QString file = parser.positionalArguments().value(0);
+  const QString file = fileArgument(parser);
   std::unique_ptr<SettingsStore> settings;
   try {
     settings = std::make_unique<SettingsStore>(SettingsStore::defaultFile());

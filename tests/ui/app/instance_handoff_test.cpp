@@ -7,9 +7,11 @@
 #include <QMdiSubWindow>
 #include <QProcess>
 #include <QTest>
+#include <QTimer>
 
 #include "shell_test_support.h"
 #include "ui/app/editor_ex.h"
+#include "ui/app/exception_dialog.h"
 #include "ui/app/formppal.h"
 #include "ui/app/instance_link.h"
 #include "ui_test_registry.h"
@@ -80,6 +82,53 @@ class InstanceHandoffTest : public QObject {
     QVERIFY(editor);
     QCOMPARE(editor->fileName(), file);
     QCOMPARE(sockets(folder).size(), 1);
+
+    // A name typed in a terminal is read in the sender's folder. The same file by another name
+    // is the open document; a name that differs in case is another file.
+    const QString other = writeFile(fresh.dir.path(), "Handed.txt", "another file\n");
+    // An error shown here would hold the sender: note it and close it.
+    QStringList errors;
+    QTimer dismiss;
+    dismiss.setInterval(10);
+    connect(&dismiss, &QTimer::timeout, [&errors] {
+      if (auto* error = qobject_cast<lomarin::ui::TExceptionDialog*>(QApplication::activeModalWidget())) {
+        errors << error->message();
+        error->reject();
+      }
+    });
+    dismiss.start();
+    for (const QString& typed : {QString("./handed.txt"), QString("Handed.txt")}) {
+      second.process.setWorkingDirectory(fresh.dir.path());
+      second.process.setArguments({typed});
+      second.process.start();
+      QTRY_VERIFY_WITH_TIMEOUT(second.process.state() == QProcess::NotRunning, 15000);
+      QCOMPARE(second.process.exitCode(), 0);
+    }
+    QCOMPARE(errors, QStringList());
+    QCOMPARE(window.mdiArea()->subWindowList().size(), 2);
+    auto* secondEditor =
+        qobject_cast<lomarin::ui::TformEditorEX*>(window.mdiArea()->subWindowList()[1]->widget());
+    QVERIFY(secondEditor);
+    QCOMPARE(secondEditor->fileName(), other);
+  }
+
+  void relativeArgumentOpensInANewInstance() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    const QString file = writeFile(fresh.dir.path(), "typed.txt", "typed in a terminal\n");
+    SecondProcess first(fresh.dir.path());
+    first.process.setWorkingDirectory(fresh.dir.path());
+    first.process.setArguments({"typed.txt"});
+    first.process.start();
+    QTRY_COMPARE_WITH_TIMEOUT(sockets(folder).size(), 1, 15000);
+    first.process.terminate();
+    QTRY_VERIFY_WITH_TIMEOUT(first.process.state() == QProcess::NotRunning, 15000);
+    QCOMPARE(first.process.exitCode(), 0);
+    // It was opened, so it is among the recent files the layout keeps.
+    QFile layout(fresh.dir.filePath("data/ide_settings.xml"));
+    QVERIFY(layout.open(QIODevice::ReadOnly));
+    const QByteArray xml = layout.readAll();
+    QVERIFY2(xml.contains("<tbmMRU.MRUList>" + file.toUtf8()), xml.constData());
   }
 
   void withoutArgumentASecondInstanceStarts() {
