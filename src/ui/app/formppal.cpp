@@ -9,7 +9,9 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QMetaProperty>
 #include <QPlainTextEdit>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QToolBar>
 #include <QTreeWidget>
@@ -79,8 +81,9 @@ Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
 
 Tformppal::~Tformppal() {
   // Documents and the tree may still hold queries on the session, and the relay listens to the
-  // monitor: all of them go before the session and the monitor do.
-  mdiArea_->closeAllSubWindows();
+  // monitor: all of them go before the session and the monitor do. Documents are not asked again:
+  // closing the window asked them.
+  qDeleteAll(mdiArea_->subWindowList());
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   MySqlSession.Events = {};
   if (MySqlSession.Connected()) MySqlSession.Disconnect();
@@ -361,11 +364,65 @@ void Tformppal::applyLayout(const WindowLayout& layout) {
 }
 
 void Tformppal::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  // A question of this close is on screen and the request came again.
+  if (closing_) return;
+  const QScopedValueRollback asking(closing_, true);
+  if (stopBusyDocuments() || !documentsMayClose()) return;
+  // Each has been asked: none may ask again once the window is gone.
+  qDeleteAll(mdiArea_->subWindowList());
   if (MySqlSession.Connected()) {
     MySqlSession.Disconnect();
     MySqlMonitor.setActive(false);
   }
   event->accept();
+}
+
+QList<QWidget*> Tformppal::documents() const {
+  QList<QWidget*> documents;
+  for (QMdiSubWindow* window : mdiArea_->subWindowList())
+    if (window->widget()) documents << window->widget();
+  return documents;
+}
+
+// True when some document had work on the server: it is stopped, and the close is made again
+// once every document is idle.
+bool Tformppal::stopBusyDocuments() {
+  bool busy = false;
+  for (QWidget* document : documents()) {
+    const QMetaObject* type = document->metaObject();
+    const QMetaProperty property = type->property(type->indexOfProperty("busy"));
+    if (!property.isValid() || !property.read(document).toBool()) continue;
+    busy = true;
+    closeWhenIdle_ = true;
+    const QMetaMethod idle = metaObject()->method(metaObject()->indexOfSlot("documentBusyChanged()"));
+    // Queued: the document finishes its run before the window closes it.
+    connect(document, property.notifySignal(), this, idle,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
+    if (type->indexOfMethod("Stop()") >= 0) QMetaObject::invokeMethod(document, "Stop", Qt::DirectConnection);
+  }
+  return busy;
+}
+
+void Tformppal::documentBusyChanged() {
+  if (!closeWhenIdle_) return;
+  for (QWidget* document : documents())
+    if (document->property("busy").toBool()) return;
+  closeWhenIdle_ = false;
+  close();
+}
+
+// Each document in front while it asks, so the user sees which one it is.
+bool Tformppal::documentsMayClose() {
+  for (QMdiSubWindow* window : mdiArea_->subWindowList()) {
+    QWidget* document = window->widget();
+    if (!document || document->metaObject()->indexOfMethod("mayClose()") < 0) continue;
+    mdiArea_->setActiveSubWindow(window);
+    bool mayClose = true;
+    QMetaObject::invokeMethod(document, "mayClose", Qt::DirectConnection, Q_RETURN_ARG(bool, mayClose));
+    if (!mayClose) return false;
+  }
+  return true;
 }
 
 }  // namespace lomarin::ui

@@ -78,6 +78,11 @@ class Tformppal : public QMainWindow {
   void showUnhandledError(const std::exception& error);
 
   // Adds a document window and shows it.
+  // Closing the main window asks every document before any goes, through the document's
+  // meta-object: a "busy" property (with its notify signal) while work is on the server, which
+  // the window stops with the document's invokable Stop() and waits for; then an invokable
+  // "bool mayClose()" that asks about unsaved work. One false keeps everything open; otherwise
+  // the documents go without a second question.
   void addDocument(QWidget* document);
 
   WindowLayout layout() const;
@@ -90,7 +95,13 @@ class Tformppal : public QMainWindow {
  protected:
   void closeEvent(QCloseEvent* event) override;
 
+ private slots:
+  void documentBusyChanged();
+
  private:
+  QList<QWidget*> documents() const;
+  bool stopBusyDocuments();
+  bool documentsMayClose();
   void FormCreate();
   void createPanes();
   void wireSession();
@@ -121,6 +132,9 @@ class Tformppal : public QMainWindow {
   bool outputWithStatement_ = false;
   int outputHeight_ = 80;
   TEditorFileChoices editorFileChoices_;
+  // A close is asking its questions; a close waits for busy documents to stop.
+  bool closing_ = false;
+  bool closeWhenIdle_ = false;
 };
 
 }  // namespace lomarin::ui

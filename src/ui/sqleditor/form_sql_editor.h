@@ -65,6 +65,8 @@ QString DefaultShippedFolder();
 class TformSQLEditor : public QWidget {
   Q_OBJECT
   Q_PROPERTY(QString fileName READ fileName)
+  // The main window stops a busy document before it closes, and waits for it.
+  Q_PROPERTY(bool busy READ isBusy NOTIFY busyChanged)
  public:
   explicit TformSQLEditor(TSqlEditorContext context, QWidget* parent = nullptr);
   ~TformSQLEditor() override;
@@ -91,7 +93,8 @@ class TformSQLEditor : public QWidget {
   void ExplainEditorText();
   void RunEditorScript();
   void RunCurrentSQL();
-  void Stop();
+  Q_INVOKABLE void Stop();
+  bool isBusy() const { return running_; }
 
   void formatCode();
   void unformatCode();
@@ -99,10 +102,15 @@ class TformSQLEditor : public QWidget {
   void clearEditor();
   // Asks whether to save a changed text; false when the user cancels closing.
   bool CheckSave();
+  // Asked by the main window before it closes.
+  Q_INVOKABLE bool mayClose() { return CheckSave(); }
   // Enables the execution commands while the session is connected.
   void updateConnected();
   // Re-reads the editor options (on activation).
   void applyOptions();
+
+ signals:
+  void busyChanged(bool busy);
 
  protected:
   void closeEvent(QCloseEvent* event) override;

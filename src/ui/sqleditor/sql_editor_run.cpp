@@ -170,6 +170,7 @@ void TformSQLEditor::setRunning(bool running) {
   running_ = running;
   action("actStop")->setEnabled(running);
   updateConnected();
+  emit busyChanged(running);
 }
 
 void TformSQLEditor::clearResults() {

@@ -1,6 +1,10 @@
 #include "ui/sqleditor/sqleditor_commands.h"
 
+#include <Qsci/qsciscintilla.h>
+
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -12,6 +16,8 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/sqleditor/form_sql_editor.h"
+#include "ui/sqleditor/form_sql_history.h"
+#include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/query_wait.h"
 
 namespace lomarin::ui {
@@ -72,6 +78,33 @@ TformSQLEditor* newEditor(Tformppal& window, const std::shared_ptr<SharedStores>
   return new TformSQLEditor(context);
 }
 
+TformSQLEditor* activeEditor(const Tformppal& window) {
+  QMdiSubWindow* active = window.mdiArea()->activeSubWindow();
+  return active ? qobject_cast<TformSQLEditor*>(active->widget()) : nullptr;
+}
+
+// The chosen statement goes into the active editor at its caret (a new editor when none is
+// active) or onto the clipboard.
+void showSqlHistory(Tformppal& window, const std::shared_ptr<SharedStores>& stores) {
+  TformSQLHistory dialog(
+      stores->History, window.settings(),
+      [&window](const QString& message) { window.ShowServerError(message); }, &window);
+  const int result = dialog.exec();
+  const QString sql = dialog.SelectedSQL();
+  if (sql.isEmpty()) return;
+  if (result == TformSQLHistory::ResultYes) {
+    QGuiApplication::clipboard()->setText(sql);
+  } else if (result == TformSQLHistory::ResultOK) {
+    TformSQLEditor* editor = activeEditor(window);
+    if (!editor) {
+      editor = newEditor(window, stores);
+      window.addDocument(editor);
+    }
+    editor->frame()->memo()->replaceSelectedText(sql);
+    editor->frame()->memo()->setFocus();
+  }
+}
+
 }  // namespace
 
 void installSqlEditorCommands(Tformppal& window) {
@@ -82,6 +115,7 @@ void installSqlEditorCommands(Tformppal& window) {
   addSessionStop(window, *stores->Activity);
   window.actions().setHandler("actSqlEditor",
                               [&window, stores] { window.addDocument(newEditor(window, stores)); });
+  window.actions().setHandler("actSQLHsitory", [&window, stores] { showSqlHistory(window, stores); });
   window.setFileOpener(".sql", [&window, stores](const QString& fileName) -> QWidget* {
     TformSQLEditor* editor = newEditor(window, stores);
     if (!editor->loadFile(fileName)) {

@@ -3,12 +3,20 @@
 #include <Qsci/qsciscintilla.h>
 
 #include <QAction>
+#include <QClipboard>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QGuiApplication>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
 #include <QTest>
 
 #include "../app/shell_test_support.h"
+#include "engine/app/option_names.h"
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/db_object_names.h"
@@ -67,6 +75,123 @@ class SqlEditorCommandsTest : public QObject {
     QVERIFY(!editor->action("actRun")->isEnabled());
   }
 
+  void historyCopiesTheChosenStatementIntoTheEditorOrOntoTheClipboard() {
+    lomarin::test::FreshSettings fresh;
+    const QByteArray oldData = qgetenv("LOMARIN_DATA_DIR");
+    qputenv("LOMARIN_DATA_DIR", fresh.dir.path().toUtf8());
+    fresh.store->write(lomarin::opt::SqlTrace, true);
+    Tformppal window(*fresh.store);
+    lomarin::ui::installSqlEditorCommands(window);
+    qputenv("LOMARIN_DATA_DIR", oldData);
+    window.show();
+    window.MySqlSession.Settings = lomarin::test::serverSettings();
+    window.MySqlSession.Settings.Database = "lomarin_demo";
+    window.MySqlSession.Connect();
+    window.actions().action("actSqlEditor")->trigger();
+    auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+    editor->RunStatementText("select 1");
+    editor->RunStatementText("select count(*)\nfrom customers");
+    editor->frame()->memo()->setText("-- ");
+    editor->frame()->memo()->setCursorPosition(0, 3);
+
+    QAction* history = window.actions().action("actSQLHsitory");
+    QVERIFY(history->isEnabled());
+    const auto choose = [](int row, const char* copyTo) {
+      lomarin::test::onNextModal<QDialog>([row, copyTo](QDialog* dialog) {
+        QCOMPARE(dialog->objectName(), QString("TformSQLHistory"));
+        dialog->findChild<QTableView*>("grdHistory")->selectRow(row);
+        dialog->findChild<QRadioButton*>(copyTo)->setChecked(true);
+        dialog->findChild<QPushButton*>("btnOk")->click();
+      });
+    };
+    choose(0, "rbSQLEditor");
+    history->trigger();
+    QCOMPARE(editor->frame()->memo()->text(), QString("-- select 1"));
+
+    choose(1, "rbClipboard");
+    history->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QString("select count(*)\nfrom customers"));
+    QCOMPARE(editor->frame()->memo()->text(), QString("-- select 1"));
+
+    // Cancel copies nothing.
+    QGuiApplication::clipboard()->clear();
+    lomarin::test::onNextModal<QDialog>(
+        [](QDialog* dialog) { dialog->findChild<QPushButton*>("btnCancel")->click(); });
+    history->trigger();
+    QCOMPARE(editor->frame()->memo()->text(), QString("-- select 1"));
+    QVERIFY(QGuiApplication::clipboard()->text().isEmpty());
+  }
+
+  void closingAsksEveryDocumentBeforeAnyGoes() {
+    lomarin::test::FreshSettings fresh;
+    Tformppal window(*fresh.store);
+    lomarin::ui::installSqlEditorCommands(window);
+    window.show();
+    window.MySqlSession.Settings = lomarin::test::serverSettings();
+    window.MySqlSession.Connect();
+    QList<TformSQLEditor*> editors;
+    for (const char* text : {"select 1", "select 2"}) {
+      window.actions().action("actSqlEditor")->trigger();
+      editors << qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+      editors.last()->frame()->memo()->setText(text);
+    }
+    // Which document asked, with the main window still on screen, and the answers to give. A
+    // polling timer, since each question opens only once the one before has closed.
+    QStringList asked;
+    QList<QMessageBox::StandardButton> answers;
+    QTimer answering;
+    answering.setInterval(10);
+    connect(&answering, &QTimer::timeout, [&] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (!box || !box->isVisible() || answers.isEmpty()) return;
+      auto* front = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+      asked << (window.isVisible() ? front->frame()->memo()->text() : "after the window went");
+      box->button(answers.takeFirst())->click();
+    });
+    answering.start();
+
+    answers = {QMessageBox::No, QMessageBox::Cancel};
+    QVERIFY(!window.close());
+    QCOMPARE(asked, (QStringList{"select 1", "select 2"}));
+    QVERIFY(window.isVisible());
+    QCOMPARE(window.mdiArea()->subWindowList().size(), 2);
+    QVERIFY(window.MySqlSession.Connected());
+
+    answers = {QMessageBox::No, QMessageBox::No};
+    QVERIFY(window.close());
+    QCOMPARE(asked, (QStringList{"select 1", "select 2", "select 1", "select 2"}));
+    QVERIFY(window.mdiArea()->subWindowList().isEmpty());
+    QVERIFY(!window.MySqlSession.Connected());
+  }
+
+  void closingStopsARunningQueryFirst() {
+    lomarin::test::FreshSettings fresh;
+    Tformppal window(*fresh.store);
+    lomarin::ui::installSqlEditorCommands(window);
+    window.show();
+    window.MySqlSession.Settings = lomarin::test::serverSettings();
+    window.MySqlSession.Connect();
+    window.actions().action("actSqlEditor")->trigger();
+    auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+    auto side = lomarin::test::connect();
+    const auto sleeping = [&] {
+      return lomarin::test::scalar(
+          *side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'");
+    };
+    QElapsedTimer sinceClose;
+    QTimer::singleShot(0, [&] {
+      QTRY_COMPARE(sleeping(), std::string("1"));
+      sinceClose.start();
+      window.close();
+    });
+    editor->RunStatementText("SELECT SLEEP(30)");
+    QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 15000);
+    QVERIFY2(sinceClose.elapsed() < 10000, qPrintable(QString::number(sinceClose.elapsed())));
+    QCOMPARE(sleeping(), std::string("0"));
+    QVERIFY(window.mdiArea()->subWindowList().isEmpty());
+    QVERIFY(!window.MySqlSession.Connected());
+  }
+
   void editorsShareTheNameListsOfTheCurrentDatabase() {
     lomarin::test::FreshSettings fresh;
     Tformppal window(*fresh.store);
@@ -96,11 +221,10 @@ class SqlEditorCommandsTest : public QObject {
     };
     const auto demoStatements = [&] {
       QStringList statements;
-      for (const std::string& sql :
-           lomarin::DbObjectStatements("lomarin_demo", window.MySqlSession.ServerMajorVersion(),
-                                       window.MySqlSession.ServerVersionNumber(), [&](std::string_view value) {
-                                         return lomarin::EscapeString(window.MySqlSession, value);
-                                       }))
+      for (const std::string& sql : lomarin::DbObjectStatements(
+               "lomarin_demo", window.MySqlSession.ServerMajorVersion(),
+               window.MySqlSession.ServerVersionNumber(),
+               [&](std::string_view value) { return lomarin::EscapeString(window.MySqlSession, value); }))
         statements << QString::fromStdString(sql);
       return statements;
     }();
