@@ -231,6 +231,7 @@ void Tformppal::CheckParam(const QString& fileName) {
 QWidget* Tformppal::findOpenDocument(const QString& fileName) const {
   // Two names of one file (a link, "..") are one document; names that differ in case are two files.
   const QString wanted = QFileInfo(fileName).canonicalFilePath();
+  if (wanted.isEmpty()) return nullptr;
   for (QMdiSubWindow* window : mdiArea_->subWindowList()) {
     const QString open = window->widget()->property("fileName").toString();
     if (!open.isEmpty() && QFileInfo(open).canonicalFilePath() == wanted) return window->widget();

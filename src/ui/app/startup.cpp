@@ -38,7 +38,7 @@ void connectAccount(Tformppal& window, SettingsStore& settings, const QString& n
 // does not share.
 QString fileArgument(const QCommandLineParser& parser) {
   const QString file = parser.positionalArguments().value(0);
-  return file.isEmpty() ? file : QDir::current().absoluteFilePath(file);
+  return file.isEmpty() ? file : QDir::cleanPath(QDir::current().absoluteFilePath(file));
 }
 
 }  // namespace

@@ -118,7 +118,7 @@ class InstanceHandoffTest : public QObject {
     const QString file = writeFile(fresh.dir.path(), "typed.txt", "typed in a terminal\n");
     SecondProcess first(fresh.dir.path());
     first.process.setWorkingDirectory(fresh.dir.path());
-    first.process.setArguments({"typed.txt"});
+    first.process.setArguments({"./typed.txt"});
     first.process.start();
     QTRY_COMPARE_WITH_TIMEOUT(sockets(folder).size(), 1, 15000);
     first.process.terminate();
