@@ -108,7 +108,7 @@ constexpr ActionSpec kActions[] = {
     {"actFlushTables", "Tables", "", kDba, "", kOnline},
     {"actFlushTablesRedo", "Tables With Read Locks", "", kDba, "", kOnline},
     {"actFlushStatus", "Status", "", kDba, "", kOnline},
-    {"actCommit", "Commit", "F5", kDba, "", kOnline},
+    {"actCommit", "Commit", "F8", kDba, "", kOnline},
     {"actRollback", "Rollback", "F6", kDba, "", kOnline},
     {"actchangedatabase", "Change current database", "", kDba, "tbtConectionBar", kOnline},
 

@@ -16,6 +16,8 @@ struct FlushCommand {
 std::span<const FlushCommand> flushCommands();
 
 inline constexpr std::string_view kShowDatabases = "SHOW DATABASES";
+inline constexpr const char* kCommitStatement = "COMMIT";
+inline constexpr const char* kRollbackStatement = "ROLLBACK";
 // Makes a database the session's current one; a back-quote in the name is doubled.
 std::string useDatabaseStatement(std::string_view database);
 

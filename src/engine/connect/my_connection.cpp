@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "engine/connect/connect_attempt.h"
 #include "engine/connect/my_query.h"
 #include "engine/connect/server_version.h"
 #include "engine/connect/session_impl.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr unsigned kConnectionKilled = 1927;          // MariaDB: the session was killed while idle
 constexpr unsigned kClientInteractionTimeout = 4031;  // MySQL 8: idle session closed by the server
-constexpr const char* kHandshakePrefix = "5.5.5-";
 
 bool isConnectionLost(unsigned number) {
   return number == CR_SERVER_GONE_ERROR || number == CR_SERVER_LOST || number == kConnectionKilled ||
@@ -41,10 +41,6 @@ bool containsWords(std::string_view sql, std::string_view words) {
          }) != sql.end();
 }
 
-void setOption(MYSQL* mysql, mysql_option option, const std::string& value) {
-  if (!value.empty()) mysql_optionsv(mysql, option, value.c_str());
-}
-
 }  // namespace
 
 ServerError errorOf(MYSQL* mysql) {
@@ -54,74 +50,23 @@ ServerError errorOf(MYSQL* mysql) {
 // ---- Impl ----
 
 MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string& charset) {
-  const TMySessionSettings& s = owner.Settings;
-  MYSQL* m = mysql_init(nullptr);
-  if (!m) throw ServerError(CR_OUT_OF_MEMORY, "HY000", "MySQL client ran out of memory");
-
-  const bool ssl = s.UseSSL || s.Protocol == TMyProtocol::SSL;
-  const bool tunnel = s.TunnelPort != 0;
-  const bool useSocket = !tunnel && (s.Protocol == TMyProtocol::Socket ||
-                                     (s.Protocol == TMyProtocol::Default && !s.SocketPath.empty() &&
-                                      (s.Server.empty() || s.Server == "localhost")));
-  switch (s.Protocol) {
-    case TMyProtocol::Default:
-    case TMyProtocol::TCP:
-    case TMyProtocol::Socket:
-    case TMyProtocol::SSL: {
-      unsigned protocol = useSocket ? MYSQL_PROTOCOL_SOCKET : MYSQL_PROTOCOL_TCP;
-      if (s.Protocol != TMyProtocol::Default || useSocket || tunnel)
-        mysql_optionsv(m, MYSQL_OPT_PROTOCOL, &protocol);
-      break;
-    }
-    case TMyProtocol::Pipe:
-    case TMyProtocol::Memory:
-    case TMyProtocol::Http:
-      mysql_close(m);
-      throw ServerError(CR_CONN_UNKNOWN_PROTOCOL, "HY000", "Wrong or unknown protocol");
-  }
-  if (s.Compress) mysql_optionsv(m, MYSQL_OPT_COMPRESS, nullptr);
-  setOption(m, MYSQL_SET_CHARSET_NAME, charset);
-  if (s.ConnectionTimeout >= 15) {
-    unsigned timeout = static_cast<unsigned>(s.ConnectionTimeout);
-    mysql_optionsv(m, MYSQL_OPT_CONNECT_TIMEOUT, &timeout);
-  }
-  if (ssl) {
-    setOption(m, MYSQL_OPT_SSL_KEY, s.SSL.Key);
-    setOption(m, MYSQL_OPT_SSL_CERT, s.SSL.Cert);
-    setOption(m, MYSQL_OPT_SSL_CA, s.SSL.CACert);
-    setOption(m, MYSQL_OPT_SSL_CIPHER, s.SSL.ChipherList);
-    my_bool on = 1;
-    mysql_optionsv(m, MYSQL_OPT_SSL_ENFORCE, &on);
-    // A CA file is only worth giving if the server is checked against it, host name included.
-    my_bool verify = s.SSL.CACert.empty() ? 0 : 1;
-    mysql_optionsv(m, MYSQL_OPT_SSL_VERIFY_SERVER_CERT, &verify);
-  }
-  unsigned localInfile = 0;
-  mysql_optionsv(m, MYSQL_OPT_LOCAL_INFILE, &localInfile);
-
-  const char* host = tunnel ? "127.0.0.1" : s.Server.empty() ? nullptr : s.Server.c_str();
-  const char* socket = tunnel || s.SocketPath.empty() ? nullptr : s.SocketPath.c_str();
-  const char* db = database.empty() ? nullptr : database.c_str();
-  const int port = tunnel ? s.TunnelPort : s.Port;
-  if (!mysql_real_connect(m, host, s.Username.c_str(), s.Password.c_str(), db, static_cast<unsigned>(port),
-                          socket, CLIENT_MULTI_RESULTS)) {
-    ServerError error = errorOf(m);
+  MYSQL* m = prepareConnection(owner.Settings, charset);
+  try {
+    serverVersion = completeConnection(m, owner.Settings, database);
+  } catch (const ServerError&) {
     mysql_close(m);
-    throw error;
-  }
-  if (ssl && !mysql_get_ssl_cipher(m)) {
-    mysql_close(m);
-    throw ServerError(CR_SSL_CONNECTION_ERROR, "HY000",
-                      "SSL connection error: the connection is not encrypted");
+    throw;
   }
   serverMultiStatements = false;
-
-  serverVersion = mysql_get_server_info(m);
-  // The client library drops the "5.5.5-" that MariaDB 10+ puts before its version in the
-  // handshake; version checks were written against the text the server sent.
-  if (mariadb_connection(m) && lomarin::ServerMajorVersion(serverVersion) >= 10)
-    serverVersion = kHandshakePrefix + serverVersion;
   return m;
+}
+
+// The handshake's status tells the state the server starts the session in.
+void TMyConnection::Impl::applyAutoCommit() {
+  const bool wanted = owner.Settings.AutoCommit;
+  if (((serverStatus() & SERVER_STATUS_AUTOCOMMIT) != 0) == wanted) return;
+  if (monitor) monitor->trace(wanted ? "SET autocommit=1" : "SET autocommit=0");
+  if (mysql_autocommit(mysql, wanted ? 1 : 0)) throw currentError();
 }
 
 void TMyConnection::Impl::close() {
@@ -256,18 +201,45 @@ TMyConnection::~TMyConnection() { d->close(); }
 void TMyConnection::setMonitor(TMySQLMonitor* monitor) { d->monitor = monitor; }
 
 void TMyConnection::Connect() {
+  StartConnect();
+  FinishConnect();
+}
+
+void TMyConnection::StartConnect() {
   d->awaitTurn();
   if (Connected()) Disconnect();
+  d->attempt.reset();
   if (Events.BeforeConnect) Events.BeforeConnect();
   std::string charset = Settings.Charset;
   if (charset.empty() && Settings.UseUnicode) charset = "utf8mb4";
   try {
-    d->mysql = d->open(Settings.Database, charset);
+    d->attempt = ConnectAttempt::start(Settings, Settings.Database, charset);
   } catch (const ServerError& error) {
+    d->fail(error);
+  }
+}
+
+bool TMyConnection::WaitConnect(std::chrono::milliseconds timeout) {
+  return !d->attempt || d->attempt->waitFor(timeout);
+}
+
+void TMyConnection::FinishConnect() {
+  if (!d->attempt) return;
+  const std::shared_ptr<ConnectAttempt> attempt = std::move(d->attempt);
+  try {
+    ConnectAttempt::Connection connection = attempt->take();
+    d->mysql = connection.mysql;
+    d->serverVersion = std::move(connection.serverVersion);
+    d->serverMultiStatements = false;
+    d->applyAutoCommit();
+  } catch (const ServerError& error) {
+    d->close();
     d->fail(error);
   }
   if (Events.AfterConnect) Events.AfterConnect();
 }
+
+void TMyConnection::AbandonConnect() { d->attempt.reset(); }
 
 void TMyConnection::Disconnect() {
   d->awaitTurn();
@@ -307,6 +279,7 @@ std::string TMyConnection::SslCipher() const {
 }
 
 bool TMyConnection::InTransaction() const { return (d->serverStatus() & SERVER_STATUS_IN_TRANS) != 0; }
+bool TMyConnection::AutoCommit() const { return (d->serverStatus() & SERVER_STATUS_AUTOCOMMIT) != 0; }
 
 std::string TMyConnection::GetMySQLinfo() const {
   return "MySQL Server   " + ServerVersion() + "\n" + "MySQL Client   " + ClientVersion() + "\n" +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -46,7 +47,17 @@ class TMyConnection {
 
   void setMonitor(TMySQLMonitor* monitor);
 
+  // Connects and waits for the server, however long it takes.
   void Connect();
+  // The same connect in halves, so the caller's thread stays free: StartConnect hands the network
+  // work to a thread of its own and returns; FinishConnect waits for it and ends as Connect does
+  // (the connection taken, or its error thrown). AbandonConnect gives the attempt up at once: the
+  // thread ends on its own and closes what it opened.
+  void StartConnect();
+  // True once the attempt has ended (or none is under way).
+  bool WaitConnect(std::chrono::milliseconds timeout);
+  void FinishConnect();
+  void AbandonConnect();
   void Disconnect();
   bool Connected() const;
 
@@ -66,6 +77,8 @@ class TMyConnection {
   // Empty when the connection is not encrypted.
   std::string SslCipher() const;
   bool InTransaction() const;
+  // As the server last reported it.
+  bool AutoCommit() const;
 
   std::string GetMySQLinfo() const;
   const std::optional<ServerError>& LastError() const;

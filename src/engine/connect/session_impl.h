@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 
 namespace lomarin {
 
+class ConnectAttempt;
 class TMySQLMonitor;
 
 ServerError errorOf(MYSQL* mysql);
@@ -34,6 +36,8 @@ struct TMyConnection::Impl {
   bool lossReported = false;
   // The query whose result rows (or further results) are still unread on the connection.
   TMyQuery* pending = nullptr;
+  // The connect under way, between StartConnect and FinishConnect.
+  std::shared_ptr<ConnectAttempt> attempt;
 
   // The loan of the session to a worker thread (TMyConnection::Loan).
   mutable std::mutex loanMutex;
@@ -46,6 +50,8 @@ struct TMyConnection::Impl {
 
   MYSQL* open(const std::string& database, const std::string& charset);
   void close();
+  // Sets autocommit as the settings ask, unless the server already runs the session so.
+  void applyAutoCommit();
 
   // Sends one request, reconnecting and sending it again when the connection was lost before the
   // request could reach the server (or the request only reads) and the lost-connection handler

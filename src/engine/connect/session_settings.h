@@ -31,6 +31,8 @@ struct TMySessionSettings {
   int ConnectionTimeout = 0;
   bool UseSSL = false;
   TMySSLOptions SSL;
+  // Off: the session runs with autocommit off from the connect on, and statements wait for COMMIT.
+  bool AutoCommit = true;
   // Unix socket path for Protocol Socket, or for "localhost" with Protocol Default.
   std::string SocketPath;
   // While the session runs through an SSH tunnel: the loopback port it listens on. Server and

@@ -30,6 +30,7 @@
 #include "ui/app/monitor_relay.h"
 #include "ui/app/options_dialog.h"
 #include "ui/app/select_database.h"
+#include "ui/app/transaction_commands.h"
 #include "ui/app/window_layout.h"
 #include "ui/connect/form_connect.h"
 #include "ui/connect/form_key_manager.h"
@@ -75,6 +76,7 @@ Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
   createPanes();
   wireSession();
   registerHandlers();
+  new TransactionCommands(*this);
   FormCreate();
   resize(1100, 720);
 }

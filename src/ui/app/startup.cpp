@@ -26,6 +26,7 @@ void connectAccount(Tformppal& window, SettingsStore& settings, const QString& n
     return;
   }
   const std::string filter = applyAccountToSession(*account, window.MySqlSession.Settings);
+  window.MySqlSession.Settings.AutoCommit = settings.read(opt::AutoCommit);
   window.explorer()->setDatabaseFilter(QString::fromStdString(filter));
   try {
     window.MySqlSession.Connect();

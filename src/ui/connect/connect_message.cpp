@@ -2,12 +2,40 @@
 
 #include <QMessageBox>
 
+#include "engine/connect/accounts.h"
+#include "engine/connect/server_error.h"
+
 namespace lomarin::ui {
 
-void showConnectMessage(QWidget* parent, const QString& text) {
-  QMessageBox box(QMessageBox::Warning, QStringLiteral("Lomarin for MySQL"), text, QMessageBox::Ok, parent);
+namespace {
+
+void showBox(QWidget* parent, QMessageBox::Icon icon, const QString& text) {
+  QMessageBox box(icon, QStringLiteral("Lomarin for MySQL"), text, QMessageBox::Ok, parent);
   box.setObjectName(kConnectMessageName);
   box.exec();
+}
+
+}  // namespace
+
+void showConnectMessage(QWidget* parent, const QString& text) { showBox(parent, QMessageBox::Warning, text); }
+
+void showConnectInformation(QWidget* parent, const QString& text) {
+  showBox(parent, QMessageBox::Information, text);
+}
+
+void showConnectError(QWidget* parent, const ServerError& error) {
+  showConnectMessage(parent,
+                     QString::number(error.number()) + "\n" + QString::fromStdString(error.message()));
+}
+
+bool refuseUnavailableTunnel(QWidget* parent, const TAccount& account) {
+  if (account.UsePHP) {
+    showConnectMessage(parent,
+                       QObject::tr("Connecting through the PHP tunnel is not available yet. "
+                                   "Clear \"Connect through the PHP tunneling\" to connect directly."));
+    return true;
+  }
+  return false;
 }
 
 }  // namespace lomarin::ui

@@ -4,10 +4,21 @@
 
 class QWidget;
 
+namespace lomarin {
+class ServerError;
+struct TAccount;
+}  // namespace lomarin
+
 namespace lomarin::ui {
 
-// The modal warning the connect dialogs show; its object name lets tests answer it.
+// The modal boxes the connect dialogs show; their object name lets tests answer them.
 inline constexpr const char* kConnectMessageName = "ConnectMessage";
 void showConnectMessage(QWidget* parent, const QString& text);
+void showConnectInformation(QWidget* parent, const QString& text);
+// The server's error number, a line feed and its message.
+void showConnectError(QWidget* parent, const ServerError& error);
+
+// Says so and returns true when the account asks for a tunnel this build cannot open.
+bool refuseUnavailableTunnel(QWidget* parent, const TAccount& account);
 
 }  // namespace lomarin::ui

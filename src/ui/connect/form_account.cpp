@@ -1,6 +1,11 @@
 #include "ui/connect/form_account.h"
 
+#include "engine/connect/accounts_session.h"
+#include "engine/connect/my_connection.h"
+#include "engine/connect/ssh_error.h"
+#include "engine/connect/ssh_tunnel.h"
 #include "ui/connect/connect_message.h"
+#include "ui/connect/connect_wait.h"
 #include "ui_form_account.h"
 
 namespace lomarin::ui {
@@ -10,6 +15,7 @@ TformAccount::TformAccount(TAccountStore& store, const QString& accountName,
     : QDialog(parent),
       store_(store),
       adding_(accountName.isEmpty()),
+      keyStoreFolder_(keyStoreFolder),
       ui_(std::make_unique<Ui::TformAccount>()) {
   ui_->setupUi(this);
   ui_->edtName->setText(accountName);
@@ -19,6 +25,7 @@ TformAccount::TformAccount(TAccountStore& store, const QString& accountName,
   setWindowTitle(adding_ ? tr("New account") : tr("Edit account"));
   connect(ui_->btnOk, &QPushButton::clicked, this, &TformAccount::btnOkClick);
   connect(ui_->btnCancel, &QPushButton::clicked, this, &QDialog::reject);
+  connect(ui_->btnTest, &QPushButton::clicked, this, &TformAccount::btnTestClick);
   ui_->btnOk->setDefault(true);
 }
 
@@ -46,6 +53,27 @@ void TformAccount::btnOkClick() {
     return;
   }
   accept();
+}
+
+// Connects a session of its own with the fields as they stand and closes it again.
+void TformAccount::btnTestClick() {
+  const TAccount account = ui_->frmAccount->account();
+  if (refuseUnavailableTunnel(this, account)) return;
+  TMyConnection probe;
+  TSshTunnel tunnel;
+  applyAccountToSession(account, probe.Settings);
+  try {
+    if (!ConnectAccountWithWait(probe, tunnel, account, keyStoreFolder_, this)) return;
+  } catch (const ServerError& error) {
+    showConnectError(this, error);
+    return;
+  } catch (const TSshError& error) {
+    showConnectMessage(this, QString::fromUtf8(error.what()));
+    return;
+  }
+  const QString version = QString::fromStdString(probe.ServerVersion());
+  probe.Disconnect();
+  showConnectInformation(this, tr("Connection successful.\nServer version %1").arg(version));
 }
 
 }  // namespace lomarin::ui

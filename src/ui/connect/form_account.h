@@ -25,9 +25,11 @@ class TformAccount : public QDialog {
 
  private:
   void btnOkClick();
+  void btnTestClick();
 
   TAccountStore& store_;
   bool adding_;
+  std::filesystem::path keyStoreFolder_;
   std::unique_ptr<Ui::TformAccount> ui_;
 };
 

@@ -14,6 +14,7 @@
 #include "ui/connect/account_frame.h"
 #include "ui/connect/connect_memory.h"
 #include "ui/connect/connect_message.h"
+#include "ui/connect/connect_wait.h"
 #include "ui/connect/form_account.h"
 #include "ui_account_frame.h"
 #include "ui_form_connect.h"
@@ -156,28 +157,21 @@ void TformConnect::btnDeleteClick() {
 
 void TformConnect::btnOkClick() {
   const TAccount account = ui_->frmAccount->account();
-  if (account.UsePHP) {
-    showConnectMessage(this, tr("Connecting through the PHP tunnel is not available yet. "
-                                "Clear \"Connect through the PHP tunneling\" to connect directly."));
-    return;
-  }
+  if (refuseUnavailableTunnel(this, account)) return;
   const QString filter = q(applyAccountToSession(account, session_.Settings));
+  session_.Settings.AutoCommit = settings_.read(opt::AutoCommit);
   emit aboutToConnect(filter);
-  QApplication::setOverrideCursor(Qt::WaitCursor);
   try {
-    ConnectThroughAccountTunnel(session_, tunnel_, account, SshKeyStoreFolder(settings_));
+    // A cancelled connect leaves every field as the user left it.
+    if (!ConnectAccountWithWait(session_, tunnel_, account, SshKeyStoreFolder(settings_), this)) return;
   } catch (const ServerError& error) {
-    QApplication::restoreOverrideCursor();
-    if (!session_.Events.OnError)
-      showConnectMessage(this, QString::number(error.number()) + "\n" + q(error.message()));
+    if (!session_.Events.OnError) showConnectError(this, error);
     return;
   } catch (const TSshError& error) {
     QApplication::restoreOverrideCursor();
     showConnectMessage(this, QString::fromUtf8(error.what()));
     return;
   }
-  QApplication::restoreOverrideCursor();
-  if (!session_.Connected()) return;
 
   connected_ = account;
   databaseFilter_ = filter;
