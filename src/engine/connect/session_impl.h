@@ -4,8 +4,8 @@
 #include <mysql.h>
 
 #include <condition_variable>
-#include <mutex>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -118,7 +118,7 @@ const ExpectedAction kExpectedActions[] = {
     {"actFlushTables", "Tables", "", "Dba"},
     {"actFlushTablesRedo", "Tables With Read Locks", "", "Dba"},
     {"actFlushStatus", "Status", "", "Dba"},
-    {"actCommit", "Commit", "F5", "Dba"},
+    {"actCommit", "Commit", "F8", "Dba"},
     {"actRollback", "Rollback", "F6", "Dba"},
     {"actchangedatabase", "Change current database", "", "Dba"},
     {"actSetPasswd", "Change password", "", "Nav"},

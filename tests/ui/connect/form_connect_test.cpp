@@ -314,6 +314,44 @@ class FormConnectTest : public QObject {
     QVERIFY(!settings_->read(opt::DefaultDatabasePort, "").size());
   }
 
+  void testConnectionReportsAndKeepsNoSession() {
+    const auto server = test::serverSettings();
+    auto counter = test::connect();
+    const std::string countSql =
+        "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE USER = '" + server.Username + "'";
+    const std::string before = test::scalar(*counter, countSql);
+    ui::TformConnect form(*settings_, session_, tunnel_);
+    form.show();
+    QString refused, reported;
+    bool editorKept = false;
+    whenModal("TformAccount", [&](QWidget* editor) {
+      auto* frame = child<ui::TframeAccount>(editor, "frmAccount");
+      TAccount wrong = sandboxAccount();
+      wrong.Password = "not the password";
+      frame->setAccount(wrong);
+      const auto answer = [](QString* text) {
+        whenModal(ui::kConnectMessageName, [text](QWidget* box) {
+          *text = static_cast<QMessageBox*>(box)->text();
+          static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+        });
+      };
+      answer(&refused);
+      child<QPushButton>(editor, "btnTest")->click();
+      frame->setAccount(sandboxAccount());
+      answer(&reported);
+      child<QPushButton>(editor, "btnTest")->click();
+      editorKept = editor->isVisible();
+      child<QPushButton>(editor, "btnCancel")->click();
+    });
+    child<QPushButton>(&form, "btnAdd")->click();
+    QVERIFY2(refused.startsWith("1045\n"), qPrintable(refused));
+    QVERIFY2(reported.startsWith("Connection successful.\nServer version 5.5.5-"), qPrintable(reported));
+    QVERIFY(editorKept);
+    QVERIFY(!session_.Connected());
+    QVERIFY(TAccountStore(*settings_).names().empty());
+    QTRY_COMPARE(test::scalar(*counter, countSql), before);
+  }
+
   // Neither a refused SSH login nor a refused MySQL login behind a working tunnel leaves the
   // tunnel open; each says why and keeps the dialog.
   void aFailedConnectThroughTheSshPageClosesTheTunnel() {
