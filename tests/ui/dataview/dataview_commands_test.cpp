@@ -1,5 +1,7 @@
 #include "ui/dataview/dataview_commands.h"
 
+#include <QAction>
+#include <QMap>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QSignalSpy>
@@ -22,18 +24,26 @@ namespace {
 using namespace lomarin;
 using namespace lomarin::ui;
 
-class DataviewCommandsTest : public QObject {
-  Q_OBJECT
- private slots:
-  void treeDoubleClickOpensOneWindowPerTable() {
-    QTemporaryDir folder;
-    SettingsStore settings(folder.filePath("settings.sqlite").toStdString());
-    Tformppal window(settings);
+// The main window with the table commands, connected to the demo database and shown.
+struct DemoMainWindow {
+  DemoMainWindow() : settings(folder.filePath("settings.sqlite").toStdString()), window(settings) {
     installDataviewCommands(window);
     window.MySqlSession.Settings = test::serverSettings();
     window.MySqlSession.Settings.Database = "lomarin_demo";
     window.MySqlSession.Connect();
     window.show();
+  }
+  QTemporaryDir folder;
+  SettingsStore settings;
+  Tformppal window;
+};
+
+class DataviewCommandsTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void treeDoubleClickOpensOneWindowPerTable() {
+    DemoMainWindow demo;
+    Tformppal& window = demo.window;
 
     TframeExplorer* explorer = window.explorer();
     emit explorer->objectActivated(explorer::NodeKind::Table, "lomarin_demo", "customers");
@@ -48,14 +58,8 @@ class DataviewCommandsTest : public QObject {
   }
 
   void focusIsInTheGridAndComesBackAfterAnErrorBox() {
-    QTemporaryDir folder;
-    SettingsStore settings(folder.filePath("settings.sqlite").toStdString());
-    Tformppal window(settings);
-    installDataviewCommands(window);
-    window.MySqlSession.Settings = test::serverSettings();
-    window.MySqlSession.Settings.Database = "lomarin_demo";
-    window.MySqlSession.Connect();
-    window.show();
+    DemoMainWindow demo;
+    Tformppal& window = demo.window;
     window.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&window));
 
@@ -77,6 +81,23 @@ class DataviewCommandsTest : public QObject {
     QSignalSpy reopened(frame, &TframeData::opened);
     QTest::keyClick(frame->grid(), Qt::Key_F5);
     QCOMPARE(reopened.count(), 1);
+  }
+
+  // A key two enabled commands share does neither: Qt calls the shortcut ambiguous.
+  void tableWindowAndMainWindowShareNoKey() {
+    DemoMainWindow demo;
+    Tformppal& window = demo.window;
+    emit window.explorer()->objectActivated(explorer::NodeKind::Table, "lomarin_demo", "customers");
+
+    QMap<QString, QStringList> commandsOfKey;
+    for (QAction* action : window.findChildren<QAction*>()) {
+      if (!action->isEnabled() || action->objectName().isEmpty()) continue;
+      for (const QKeySequence& key : action->shortcuts())
+        commandsOfKey[key.toString()] << action->objectName();
+    }
+    QVERIFY(!commandsOfKey.value("F5").isEmpty());
+    for (auto it = commandsOfKey.begin(); it != commandsOfKey.end(); ++it)
+      QVERIFY2(it.value().size() == 1, qPrintable(it.key() + ": " + it.value().join(", ")));
   }
 };
 
