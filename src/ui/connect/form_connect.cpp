@@ -168,7 +168,6 @@ void TformConnect::btnOkClick() {
     if (!session_.Events.OnError) showConnectError(this, error);
     return;
   } catch (const TSshError& error) {
-    QApplication::restoreOverrideCursor();
     showConnectMessage(this, QString::fromUtf8(error.what()));
     return;
   }
