@@ -24,6 +24,8 @@ TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesyst
   return s;
 }
 
+namespace {
+
 void PrepareAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                           const std::filesystem::path& keyStoreFolder) {
   // Disconnecting closes the tunnel in the main window's after-disconnect step: first, then.
@@ -43,16 +45,28 @@ void CloseTunnelUnlessConnected(TMyConnection& session, TSshTunnel& tunnel) {
   session.Settings.TunnelPort = 0;
 }
 
-void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
-                                 const std::filesystem::path& keyStoreFolder) {
+}  // namespace
+
+bool ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                                 const std::filesystem::path& keyStoreFolder,
+                                 const std::function<bool()>& connect) {
   PrepareAccountTunnel(session, tunnel, account, keyStoreFolder);
   try {
-    session.Connect();
+    const bool connected = connect();
+    CloseTunnelUnlessConnected(session, tunnel);
+    return connected;
   } catch (...) {
     CloseTunnelUnlessConnected(session, tunnel);
     throw;
   }
-  CloseTunnelUnlessConnected(session, tunnel);
+}
+
+void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                                 const std::filesystem::path& keyStoreFolder) {
+  ConnectThroughAccountTunnel(session, tunnel, account, keyStoreFolder, [&session] {
+    session.Connect();
+    return true;
+  });
 }
 
 }  // namespace lomarin

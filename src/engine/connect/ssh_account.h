@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 
 #include "engine/connect/accounts.h"
 #include "engine/connect/ssh_tunnel.h"
@@ -13,16 +14,14 @@ class TMyConnection;
 // account's port when that is not a number) as the target, and its time-out.
 TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesystem::path& keyStoreFolder);
 
-// Readies the session, whose settings the account was copied onto, to connect the way the account
-// asks: opens the account's SSH tunnel and points the session at it, or closes a tunnel left open.
-// A connected session is disconnected first. Throws TSshError, and then no tunnel is open.
-void PrepareAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
-                          const std::filesystem::path& keyStoreFolder);
-// After a connect: a session that is not connected leaves no tunnel open.
-void CloseTunnelUnlessConnected(TMyConnection& session, TSshTunnel& tunnel);
-
-// Both around a blocking connect: through the account's SSH tunnel when it uses one, directly
-// otherwise. A connect that fails leaves no tunnel open. Throws TSshError or ServerError.
+// Runs connect around the account's SSH tunnel: a connected session is disconnected first, the
+// tunnel is opened and the session pointed at it when the account uses one (closed otherwise), and
+// no tunnel stays open unless the session connected. Returns what connect returns (false: given
+// up). Throws TSshError, or what connect throws.
+bool ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                                 const std::filesystem::path& keyStoreFolder,
+                                 const std::function<bool()>& connect);
+// The same with the session's own blocking connect. Throws TSshError or ServerError.
 void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                                  const std::filesystem::path& keyStoreFolder);
 

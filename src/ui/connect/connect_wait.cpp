@@ -69,15 +69,8 @@ bool ConnectWithWait(TMyConnection& session, QWidget* parent) {
 
 bool ConnectAccountWithWait(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                             const std::filesystem::path& keyStoreFolder, QWidget* parent) {
-  PrepareAccountTunnel(session, tunnel, account, keyStoreFolder);
-  try {
-    const bool connected = ConnectWithWait(session, parent);
-    CloseTunnelUnlessConnected(session, tunnel);
-    return connected;
-  } catch (...) {
-    CloseTunnelUnlessConnected(session, tunnel);
-    throw;
-  }
+  return ConnectThroughAccountTunnel(session, tunnel, account, keyStoreFolder,
+                                     [&] { return ConnectWithWait(session, parent); });
 }
 
 }  // namespace lomarin::ui
