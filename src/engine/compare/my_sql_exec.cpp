@@ -1,0 +1,74 @@
+#include "engine/compare/my_sql_exec.h"
+
+#include <sstream>
+
+#include "engine/compare/compare_error.h"
+#include "engine/connect/my_query.h"
+#include "engine/sqleditor/statement_splitter.h"
+
+namespace lomarin {
+
+namespace {
+
+bool hasStatement(const std::string& script) {
+  std::istringstream in(script);
+  TStatementSplitter splitter(in);
+  std::string statement;
+  return splitter.next(statement);
+}
+
+}  // namespace
+
+void TMySQLExec::log(const std::string& line) const {
+  if (OnLogNextLine) OnLogNextLine(line);
+}
+
+void TMySQLExec::logSkipped(const std::string& statement) const {
+  log("< Skipping statement >:");
+  std::istringstream lines(statement);
+  std::string line;
+  while (std::getline(lines, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    log("// " + line);
+  }
+}
+
+TMySQLExec::Result TMySQLExec::ExecuteScript(const std::string& script) {
+  if (!Connection) throw CompareError("(" + Name + "): Connection property not assigned.");
+  if (!hasStatement(script)) throw CompareError("Update script is empty.");
+  stop_ = false;
+  log("Updating target database...");
+
+  Result result;
+  std::istringstream in(script);
+  TStatementSplitter splitter(in);
+  std::string statement;
+  while (splitter.next(statement)) {
+    if (stop_) {
+      result.Stopped = true;
+      return result;
+    }
+    try {
+      TMyQuery query(*Connection);
+      query.SQL = statement;
+      query.Execute();
+    } catch (const ServerError& error) {
+      ++result.Errors;
+      if (OnErrorMessage) OnErrorMessage(error.message());
+      if (BreakOnError) {
+        log("< Break on Error! >");
+        result.BrokeOnError = true;
+        return result;
+      }
+      logSkipped(statement);
+    }
+    if (OnProgress) OnProgress(splitter.position(), script.size());
+  }
+  if (result.Errors > 0)
+    log("< Script executed: " + std::to_string(result.Errors) + " errors... >");
+  else
+    log("< Script executed succesfully! >");
+  return result;
+}
+
+}  // namespace lomarin
