@@ -1,7 +1,9 @@
 #include "engine/compare/my_sql_exec.h"
 
+#include <memory>
 #include <sstream>
 
+#include "engine/compare/blob_file.h"
 #include "engine/compare/compare_error.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/statement_splitter.h"
@@ -40,6 +42,8 @@ TMySQLExec::Result TMySQLExec::ExecuteScript(const std::string& script) {
   log("Updating target database...");
 
   Result result;
+  // Set by "SET BLOBFILE": binary values of later statements are read back from that file.
+  std::unique_ptr<TBlobFileReader> blobs;
   std::istringstream in(script);
   TStatementSplitter splitter(in);
   std::string statement;
@@ -49,12 +53,16 @@ TMySQLExec::Result TMySQLExec::ExecuteScript(const std::string& script) {
       return result;
     }
     try {
-      TMyQuery query(*Connection);
-      query.SQL = statement;
-      query.Execute();
-    } catch (const ServerError& error) {
+      if (const std::string blobFile = BlobFileOfStatement(statement); !blobFile.empty()) {
+        blobs = std::make_unique<TBlobFileReader>(blobFile);
+      } else {
+        TMyQuery query(*Connection);
+        query.SQL = blobs ? blobs->Expand(statement) : statement;
+        query.Execute();
+      }
+    } catch (const std::runtime_error& error) {
       ++result.Errors;
-      if (OnErrorMessage) OnErrorMessage(error.message());
+      if (OnErrorMessage) OnErrorMessage(error.what());
       if (BreakOnError) {
         log("< Break on Error! >");
         result.BrokeOnError = true;
