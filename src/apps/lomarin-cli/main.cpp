@@ -10,6 +10,7 @@
 #include "engine/connect/ssh_error.h"
 #include "exec_command.h"
 #include "query_command.h"
+#include "sync_command.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ void usage(std::FILE* to) {
                "  sandbox-account   store the connection options as the account \"Local sandbox\"\n"
                "  dump DATABASE     write a database as an SQL script (dump --help for its flags)\n"
                "  exec FILE         run a script; --optimize sends statements in batches\n"
+               "  sync SOURCE TARGET  synchronise the rows of two databases (sync --help for its flags)\n"
                "connection options: --host --port --user --password --database --socket\n"
                "                    --ssl --ssl-ca --ssl-cert --ssl-key --ssl-cipher --compress\n"
                "                    --default-character-set\n"
@@ -45,6 +47,7 @@ int main(int argc, char** argv) {
     if (command == "sandbox-account") return lomarin::cli::runSandboxAccount(args, stdout, stderr);
     if (command == "dump") return lomarin::cli::runDump(args, stdout, stderr);
     if (command == "exec") return lomarin::cli::runExec(args, stderr);
+    if (command == "sync") return lomarin::cli::runSync(args, stdout, stderr);
   } catch (const std::invalid_argument& error) {
     std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
     return 2;
