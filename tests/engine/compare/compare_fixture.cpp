@@ -85,6 +85,8 @@ std::vector<std::string> ShowCreateAll(const std::string& database) {
       auto text = column(*session, "SHOW CREATE " + kind + " `" + name + "`", textColumn).at(0);
       text = std::regex_replace(text, std::regex(" DEFINER=`[^`]*`@`[^`]*`"), "");
       text = std::regex_replace(text, std::regex(" AUTO_INCREMENT=[0-9]+"), "");
+      // The dump engine puts a trigger's body on a line of its own.
+      text = std::regex_replace(text, std::regex("FOR EACH ROW\\s+"), "FOR EACH ROW ");
       print.push_back(kind + " " + text);
     }
   };

@@ -30,7 +30,7 @@ struct LiveCompare {
 };
 
 // SHOW CREATE of every table, view, routine, trigger and event, DEFINER and AUTO_INCREMENT
-// counters taken out, one entry per object.
+// counters taken out, the blanks before a trigger's body as one, one entry per object.
 std::vector<std::string> ShowCreateAll(const std::string& database);
 
 // The statements of a script, section comments and blank lines left out.
