@@ -114,6 +114,8 @@ class TframeData : public QWidget {
   void ShowRecordCount();
   void FitColumns();
   void RestoreColumns();
+  // Composes a condition in the advanced filter builder and applies it as the server-side filter.
+  void AdvancedFilter();
   // Exports the current statement (all its rows, read from the server) into a file.
   bool ExportTo(dataview::TExportFormat format, const QString& file);
 

@@ -18,6 +18,7 @@
 #include "engine/dataview/field_kinds.h"
 #include "engine/dataview/row_writer.h"
 #include "ui/dataview/data_model.h"
+#include "ui/dataview/form_adv_filter_builder.h"
 #include "ui/dataview/frame_data.h"
 #include "ui/focus_return.h"
 
@@ -64,6 +65,7 @@ void TframeData::buildActions() {
       {"actRecordCount", "Record count", "", &TframeData::ShowRecordCount},
       {"actBestFit", "Best fit", "", &TframeData::FitColumns},
       {"actRestoreColumns", "Restore columns", "", &TframeData::RestoreColumns},
+      {"actAdvancedFilter", "Advanced filter...", "", &TframeData::AdvancedFilter},
   };
   for (const Command& command : commands) {
     auto* action = new QAction(tr(command.text), this);
@@ -171,6 +173,16 @@ void TframeData::DeleteRecords() {
 void TframeData::PostRecord() {
   const QModelIndex current = grid_->currentIndex();
   if (current.isValid()) model_->postRow(current.row());
+}
+
+void TframeData::AdvancedFilter() {
+  QStringList columns;
+  for (const TMyField& field : model_->fields()) columns << QString::fromStdString(field.Name);
+  Tformadvfilterbuilder builder(
+      columns, [this](std::string_view value) { return EscapeString(session_, value); }, this);
+  builder.setFilterText(filterCondition_);
+  TFocusReturn focus;
+  if (builder.exec() == QDialog::Accepted) ApplyFilter(builder.filterText());
 }
 
 void TframeData::LoadAllRecords() {
