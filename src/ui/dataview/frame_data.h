@@ -116,6 +116,8 @@ class TframeData : public QWidget {
   void RestoreColumns();
   // Composes a condition in the advanced filter builder and applies it as the server-side filter.
   void AdvancedFilter();
+  // Shows the current cell's value in the BLOB viewer.
+  void BlobViewer();
   // Exports the current statement (all its rows, read from the server) into a file.
   bool ExportTo(dataview::TExportFormat format, const QString& file);
 

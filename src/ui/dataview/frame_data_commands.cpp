@@ -19,6 +19,7 @@
 #include "engine/dataview/row_writer.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/form_adv_filter_builder.h"
+#include "ui/dataview/form_blob_viewer.h"
 #include "ui/dataview/frame_data.h"
 #include "ui/focus_return.h"
 
@@ -66,6 +67,7 @@ void TframeData::buildActions() {
       {"actBestFit", "Best fit", "", &TframeData::FitColumns},
       {"actRestoreColumns", "Restore columns", "", &TframeData::RestoreColumns},
       {"actAdvancedFilter", "Advanced filter...", "", &TframeData::AdvancedFilter},
+      {"actBlobViewer", "Blob viewer...", "", &TframeData::BlobViewer},
   };
   for (const Command& command : commands) {
     auto* action = new QAction(tr(command.text), this);
@@ -183,6 +185,14 @@ void TframeData::AdvancedFilter() {
   builder.setFilterText(filterCondition_);
   TFocusReturn focus;
   if (builder.exec() == QDialog::Accepted) ApplyFilter(builder.filterText());
+}
+
+void TframeData::BlobViewer() {
+  const QModelIndex current = grid_->currentIndex();
+  if (!current.isValid()) return;
+  TformBlobViewer viewer(*this, current.column(), settings_, this);
+  TFocusReturn focus;
+  viewer.exec();
 }
 
 void TframeData::LoadAllRecords() {
