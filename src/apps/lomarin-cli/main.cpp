@@ -5,6 +5,7 @@
 
 #include "account_command.h"
 #include "cli_options.h"
+#include "compare_command.h"
 #include "dump_command.h"
 #include "engine/app/settings_store.h"
 #include "engine/connect/ssh_error.h"
@@ -23,6 +24,8 @@ void usage(std::FILE* to) {
                "  dump DATABASE     write a database as an SQL script (dump --help for its flags)\n"
                "  exec FILE         run a script; --optimize sends statements in batches\n"
                "  sync SOURCE TARGET  synchronise the rows of two databases (sync --help for its flags)\n"
+               "  compare SOURCE TARGET  the script that gives TARGET the structure of SOURCE\n"
+               "                    (databases or script files; compare --help for its flags)\n"
                "connection options: --host --port --user --password --database --socket\n"
                "                    --ssl --ssl-ca --ssl-cert --ssl-key --ssl-cipher --compress\n"
                "                    --default-character-set\n"
@@ -48,6 +51,7 @@ int main(int argc, char** argv) {
     if (command == "dump") return lomarin::cli::runDump(args, stdout, stderr);
     if (command == "exec") return lomarin::cli::runExec(args, stderr);
     if (command == "sync") return lomarin::cli::runSync(args, stdout, stderr);
+    if (command == "compare") return lomarin::cli::runCompare(args, stdout, stderr);
   } catch (const std::invalid_argument& error) {
     std::fprintf(stderr, "lomarin-cli: %s\n", error.what());
     return 2;

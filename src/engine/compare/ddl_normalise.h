@@ -22,7 +22,8 @@ namespace lomarin {
 // - Character sets: utf8 is utf8mb3 (and utf8_… collations utf8mb3_…). A text column without a
 //   character set takes the table's; without a collation it takes the table's when its character
 //   set is the table's, else the default collation of its character set. A table without a
-//   collation takes its character set's default. So implicit and explicit forms compare equal.
+//   collation takes its character set's default. So implicit and explicit forms compare equal. A
+//   script table without any character set leaves it to the database and matches any.
 // - Foreign-key actions RESTRICT and NO ACTION are the default and compare as none.
 // - Index method BTREE is the default and compares as none; MariaDB's PERSISTENT is STORED.
 // - View bodies, routines, triggers and events compare on their tokens (layout, comments, letter

@@ -87,6 +87,11 @@ bool sameColumn(TDBColumn a, TDBColumn b) {
   a.Name = b.Name;
   a.Type = ComparableType(a.Type, a.Zerofill);
   b.Type = ComparableType(b.Type, b.Zerofill);
+  // A script that names no character set leaves it to the database: it matches any.
+  if (a.Charset.empty() || b.Charset.empty()) {
+    a.Charset = b.Charset;
+    a.Collation = b.Collation;
+  }
   return a == b;
 }
 
