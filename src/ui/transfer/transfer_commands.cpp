@@ -3,6 +3,7 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/transfer/form_export_db.h"
+#include "ui/transfer/form_transfer_database.h"
 
 namespace lomarin::ui {
 
@@ -16,6 +17,11 @@ void installTransferCommands(Tformppal& window) {
   };
   for (const char* action : {"actExpDb", "actExpTables", "actExportDB"})
     window.actions().setHandler(action, openExport);
+  window.actions().setHandler("actTransfer", [&window] {
+    if (!window.currentdb()) return;
+    TfrmTransferdatabase dialog(window.MySqlSession, window.settings(), &window);
+    dialog.exec();
+  });
 }
 
 }  // namespace lomarin::ui

@@ -4,7 +4,7 @@ namespace lomarin::ui {
 
 class Tformppal;
 
-// The database export commands of the main window.
+// The database export and transfer commands of the main window.
 void installTransferCommands(Tformppal& window);
 
 }  // namespace lomarin::ui

@@ -1,3 +1,5 @@
+#include "ui/transfer/transfer_commands.h"
+
 #include <QAction>
 #include <QComboBox>
 #include <QTest>
@@ -7,13 +9,13 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/transfer/form_export_db.h"
-#include "ui/transfer/transfer_commands.h"
+#include "ui/transfer/form_transfer_database.h"
 #include "ui_test_registry.h"
 
 namespace {
 
-using lomarin::ui::TfrmExportDb;
 using lomarin::ui::Tformppal;
+using lomarin::ui::TfrmExportDb;
 
 class TransferCommandsTest : public QObject {
   Q_OBJECT
@@ -40,6 +42,14 @@ class TransferCommandsTest : public QObject {
       action->trigger();
       QVERIFY2(shown, name);
     }
+    bool transferShown = false;
+    lomarin::test::onNextModal<lomarin::ui::TfrmTransferdatabase>(
+        [&](lomarin::ui::TfrmTransferdatabase* dialog) {
+          transferShown = true;
+          QCOMPARE(dialog->windowTitle(), QString("Transfer database"));
+        });
+    window.actions().action("actTransfer")->trigger();
+    QVERIFY(transferShown);
     window.MySqlSession.Disconnect();
   }
 };
