@@ -1,4 +1,5 @@
 #include "ui/app/startup.h"
+#include "ui/compare/datasync_commands.h"
 #include "ui/dataview/dataview_commands.h"
 #include "ui/designers/designers_commands.h"
 #include "ui/sqleditor/sqleditor_commands.h"
@@ -9,5 +10,6 @@ int main(int argc, char** argv) {
   return lomarin::ui::runLomarin(argc, argv,
                                  {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
                                   lomarin::ui::installSqlEditorCommands,
-                                  lomarin::ui::installDesignersCommands, lomarin::ui::installUsersCommands});
+                                  lomarin::ui::installDesignersCommands, lomarin::ui::installUsersCommands,
+                                  lomarin::ui::installDataSyncCommands});
 }

@@ -63,7 +63,6 @@ void TDataSyncJob::log(const std::string& line) const {
 void TDataSyncJob::Stop() { stop_ = true; }
 
 TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
-  stop_ = false;
   TDataSyncResult result;
   auto write = [&](std::string_view text) {
     if (settings.OnScriptText) settings.OnScriptText(text);
@@ -81,8 +80,14 @@ TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
   targetSide.Settings = settings.Target;
   if (charset) masterSide.Settings.Charset = targetSide.Settings.Charset = settings.Charset;
 
-  for (size_t i = 0; i < settings.Pairs.size() && !stop_; ++i) {
+  for (size_t i = 0; i < settings.Pairs.size(); ++i) {
     const TDataSyncPair& pair = settings.Pairs[i];
+    const std::string names = pair.Master + " : " + pair.Target;
+    if (stop_) {
+      ++result.FailedPairs;
+      log("Error compare tables " + names + " Stopped.");
+      break;
+    }
     TTableDataComparer comparer;
     comparer.TableNameMaster = pair.Master;
     comparer.TableNameTarget = pair.Target;
@@ -99,7 +104,6 @@ TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
       if (stop_) comparer.Stop();
       if (OnProgress) OnProgress(i, m, mt, t, tt);
     };
-    const std::string names = pair.Master + " : " + pair.Target;
     try {
       comparer.CompareData();
       log("Compare tables " + names + " finalized with out errors");

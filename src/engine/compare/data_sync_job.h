@@ -46,7 +46,8 @@ struct TDataSyncResult {
 std::vector<TDataSyncPair> AutoSelectTables(TMyConnection& master, TMyConnection& target, bool caseSensitive);
 
 // Compares every pair into one script, logging each pair's outcome; a failing pair does not stop
-// the others. Optionally applies the script to the target.
+// the others. Optionally applies the script to the target. One job serves one run, so a Stop that
+// comes before the run has started still counts.
 class TDataSyncJob {
  public:
   std::function<void(const std::string& line)> OnLogNextLine;
