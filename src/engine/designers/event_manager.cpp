@@ -36,7 +36,7 @@ std::string ScheduleTime(std::string_view time) {
   return literal ? "'" + std::string(time) + "'" : std::string(time);
 }
 
-std::string BuildEventSql(const TEventState& state) {
+std::string BuildEventSql(const TEventState& state, const explorer::ValueEscaper& escape) {
   std::string schedule;
   if (!state.Recurring) {
     schedule = "ON SCHEDULE AT " + ScheduleTime(state.At);
@@ -49,8 +49,8 @@ std::string BuildEventSql(const TEventState& state) {
   const std::string sql = "CREATE EVENT " + dataview::BackQuote(state.Name) + "\n" +  //
                           schedule + "\n" +
                           (state.NotPreserve ? "ON COMPLETION NOT PRESERVE" : "ON COMPLETION PRESERVE") +
-                          "\n" + (state.Enabled ? "ENABLE" : "DISABLE") + "\n" +  //
-                          "COMMENT '" + state.Comment + "'" + " DO" + "\n" +      //
+                          "\n" + (state.Enabled ? "ENABLE" : "DISABLE") + "\n" +      //
+                          "COMMENT '" + escape(state.Comment) + "'" + " DO" + "\n" +  //
                           state.Body;
   return state.Alter ? replaceAll(sql, "CREATE EVENT", "ALTER EVENT") : sql;
 }

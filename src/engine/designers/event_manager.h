@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "engine/app/explorer_nodes.h"
+
 namespace lomarin::designers {
 
 inline constexpr std::array<std::string_view, 14> kEventIntervalUnits = {
@@ -36,8 +38,9 @@ struct TEventState {
 std::string CheckEvent(const TEventState& state);
 // How a schedule time is written: a date-time literal between single quotes, an expression bare.
 std::string ScheduleTime(std::string_view time);
-// The CREATE EVENT lines joined by "\n", or the ALTER EVENT text in alter mode.
-std::string BuildEventSql(const TEventState& state);
+// The CREATE EVENT lines joined by "\n", or the ALTER EVENT text in alter mode. The comment goes
+// through escape (the session's client library, which knows the SQL mode).
+std::string BuildEventSql(const TEventState& state, const explorer::ValueEscaper& escape);
 std::string EventEditCaption(std::string_view database, std::string_view name);
 
 // Bound parameters :db and :event.

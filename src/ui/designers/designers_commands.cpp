@@ -13,6 +13,7 @@
 #include "ui/designers/form_index_manager.h"
 #include "ui/designers/form_rename_table.h"
 #include "ui/designers/form_table.h"
+#include "ui/designers/program_commands.h"
 
 namespace lomarin::ui {
 
@@ -101,6 +102,7 @@ void installDesignersCommands(Tformppal& window) {
                    [&window](const QString& database, const QString& table, const QString& column) {
                      alterColumn(window, database, table, column);
                    });
+  installProgramCommands(window);
 }
 
 }  // namespace lomarin::ui

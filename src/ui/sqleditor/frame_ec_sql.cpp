@@ -126,6 +126,12 @@ TframeecSQL* TframeecSQL::createReadOnly(SettingsStore& settings, QWidget* paren
   return frame;
 }
 
+TframeecSQL* TframeecSQL::createEmbedded(SettingsStore& settings, QWidget* parent) {
+  auto* frame = new TframeecSQL(settings, {}, {}, parent);
+  frame->pnlTree_->hide();
+  return frame;
+}
+
 bool TframeecSQL::isReadOnly() const { return memo_->isReadOnly(); }
 
 void TframeecSQL::buildTree() {

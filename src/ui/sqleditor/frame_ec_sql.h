@@ -33,6 +33,8 @@ class TframeecSQL : public QWidget {
   // The frame as other documents embed it: highlighting, bookmarks, find and copy; no typing,
   // completion, statement tree or running. Its text is set through memo()->setText.
   static TframeecSQL* createReadOnly(SettingsStore& settings, QWidget* parent);
+  // The frame as a dialog's body editor: typing and highlighting without the statement tree.
+  static TframeecSQL* createEmbedded(SettingsStore& settings, QWidget* parent);
   bool isReadOnly() const;
 
   QsciScintilla* memo() const { return memo_; }

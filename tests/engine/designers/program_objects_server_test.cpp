@@ -3,6 +3,7 @@
 
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
+#include "engine/designers/bound_sql.h"
 #include "engine/designers/event_manager.h"
 #include "engine/designers/routine_texts.h"
 #include "engine/designers/trigger_manager.h"
@@ -37,18 +38,13 @@ class ProgramObjects : public ::testing::Test {
     ExecSQLText(*session, sql, [&](const ServerError& e) { error = e; });
     return error;
   }
-  // A load query with its :names bound to quoted values, as the dialogs bind them.
-  std::vector<std::string> loadRow(std::string sql,
-                                   const std::vector<std::pair<std::string, std::string>>& binds) {
-    for (const auto& [name, value] : binds)
-      sql.replace(sql.find(name), name.size(), "'" + EscapeString(*session, value) + "'");
-    TMyQuery query(*session);
-    query.SQL = sql;
-    query.Open();
-    std::vector<std::string> row;
-    if (query.Next())
-      for (size_t i = 0; i < query.Fields().size(); ++i) row.emplace_back(query.Value(i));
-    return row;
+  // A load query with its :names bound by the client library, as the dialogs bind them.
+  std::vector<std::string> loadRow(std::string_view sql, const std::vector<TBoundValue>& binds) {
+    const explorer::ResultTable result = ReadBound(*session, sql, binds);
+    return result.rows.empty() ? std::vector<std::string>{} : result.rows.front();
+  }
+  explorer::ValueEscaper escape() {
+    return [this](std::string_view text) { return EscapeString(*session, text); };
   }
 
   std::unique_ptr<TMyConnection> session;
@@ -58,7 +54,7 @@ TEST_F(ProgramObjects, TriggerCreatedLoadedDroppedAndCreatedAgain) {
   exec("CREATE TABLE orders (id INT, at INT)");
   TTriggerState state{kDb, "orders", "stamp", "BEFORE", "INSERT", "SET NEW.at = 7"};
   exec(BuildCreateTriggerSql(state));
-  std::vector<std::string> row = loadRow(std::string(kLoadTriggerSql), {{":db", kDb}, {":name", "stamp"}});
+  std::vector<std::string> row = loadRow(kLoadTriggerSql, {{"db", kDb}, {"name", "stamp"}});
   ASSERT_EQ(row.size(), 9u);
   EXPECT_EQ(row[1], "stamp");
   EXPECT_EQ(row[2], "INSERT");
@@ -74,7 +70,7 @@ TEST_F(ProgramObjects, TriggerCreatedLoadedDroppedAndCreatedAgain) {
   exec("INSERT INTO orders (id) VALUES (4)");
   exec("DELETE FROM orders");
   EXPECT_EQ(test::scalar(*session, "SELECT @gone"), "4");
-  EXPECT_EQ(loadRow(std::string(kLoadTriggerSql), {{":db", kDb}, {":name", "stamp"}})[8], "AFTER");
+  EXPECT_EQ(loadRow(kLoadTriggerSql, {{"db", kDb}, {"name", "stamp"}})[8], "AFTER");
 }
 
 TEST_F(ProgramObjects, ViewMadeFromItsSelect) {
@@ -108,9 +104,9 @@ TEST_F(ProgramObjects, OneTimeAndRecurringEventsCreatedReadBackAndAltered) {
   once.AtIntervalUnit = "HOUR";
   once.Comment = "one time";
   once.Body = "INSERT INTO beats VALUES (NOW())";
-  ASSERT_TRUE(
-      ExecScriptText(*session, BuildEventSql(once), [](const ServerError& e) { FAIL() << e.message(); }));
-  std::vector<std::string> row = loadRow(std::string(kLoadEventSql), {{":db", kDb}, {":event", "once"}});
+  ASSERT_TRUE(ExecScriptText(*session, BuildEventSql(once, escape()),
+                             [](const ServerError& e) { FAIL() << e.message(); }));
+  std::vector<std::string> row = loadRow(kLoadEventSql, {{"db", kDb}, {"event", "once"}});
   ASSERT_EQ(row.size(), 15u);
   EXPECT_EQ(row[2], "INSERT INTO beats VALUES (NOW())");
   EXPECT_EQ(row[3], "ONE TIME");
@@ -130,9 +126,9 @@ TEST_F(ProgramObjects, OneTimeAndRecurringEventsCreatedReadBackAndAltered) {
   every.Enabled = false;
   every.NotPreserve = false;
   every.Body = "DELETE FROM beats";
-  ASSERT_TRUE(
-      ExecScriptText(*session, BuildEventSql(every), [](const ServerError& e) { FAIL() << e.message(); }));
-  row = loadRow(std::string(kLoadEventSql), {{":db", kDb}, {":event", "every"}});
+  ASSERT_TRUE(ExecScriptText(*session, BuildEventSql(every, escape()),
+                             [](const ServerError& e) { FAIL() << e.message(); }));
+  row = loadRow(kLoadEventSql, {{"db", kDb}, {"event", "every"}});
   ASSERT_EQ(row.size(), 15u);
   EXPECT_EQ(row[3], "RECURRING");
   EXPECT_EQ(row[5], "5");
@@ -147,13 +143,30 @@ TEST_F(ProgramObjects, OneTimeAndRecurringEventsCreatedReadBackAndAltered) {
   every.EveryUnit = "DAY";
   every.HasEnd = false;
   every.Comment = "daily";
-  ASSERT_TRUE(
-      ExecScriptText(*session, BuildEventSql(every), [](const ServerError& e) { FAIL() << e.message(); }));
-  row = loadRow(std::string(kLoadEventSql), {{":db", kDb}, {":event", "every"}});
+  ASSERT_TRUE(ExecScriptText(*session, BuildEventSql(every, escape()),
+                             [](const ServerError& e) { FAIL() << e.message(); }));
+  row = loadRow(kLoadEventSql, {{"db", kDb}, {"event", "every"}});
   EXPECT_EQ(row[5], "1");
   EXPECT_EQ(row[6], "DAY");
   EXPECT_EQ(row[8], "2031-01-01 00:00:00");  // ALTER without ENDS keeps the end
   EXPECT_EQ(row[14], "daily");
+}
+
+// A quote and a backslash in the comment reach the server as typed, whatever the SQL mode says
+// about backslashes.
+TEST_F(ProgramObjects, EventCommentsAreEscapedForTheSessionsSqlMode) {
+  TEventState event;
+  event.Name = "noted";
+  event.At = "2030-06-01 10:00:00";
+  event.Body = "DO 1";
+  event.Comment = R"(it's C:\temp\)";
+  for (const char* mode : {"SET sql_mode = ''", "SET sql_mode = 'NO_BACKSLASH_ESCAPES'"}) {
+    exec(mode);
+    ASSERT_TRUE(ExecScriptText(*session, BuildEventSql(event, escape()),
+                               [](const ServerError& e) { FAIL() << e.message(); }));
+    EXPECT_EQ(loadRow(kLoadEventSql, {{"db", kDb}, {"event", "noted"}}).at(14), event.Comment) << mode;
+    exec("DROP EVENT noted");
+  }
 }
 
 TEST_F(ProgramObjects, TemplatesCompileAsScriptsAndTheRoutineDropsRemoveThem) {

@@ -72,6 +72,9 @@ TEST(EventManager, ALiteralTimeIsQuotedAnExpressionIsNot) {
   EXPECT_EQ(ScheduleTime(""), "");
 }
 
+// Marks what went through the escaper.
+std::string marked(std::string_view text) { return "<" + std::string(text) + ">"; }
+
 TEST(EventManager, OneTimeEventWithAnAddedInterval) {
   TEventState event;
   event.Name = "purge";
@@ -79,24 +82,24 @@ TEST(EventManager, OneTimeEventWithAnAddedInterval) {
   event.AtInterval = "2";
   event.AtIntervalUnit = "HOUR";
   event.Body = "DELETE FROM log";
-  EXPECT_EQ(BuildEventSql(event),
+  EXPECT_EQ(BuildEventSql(event, marked),
             "CREATE EVENT `purge`\n"
             "ON SCHEDULE AT '2026-11-23 13:05:00' + INTERVAL 2 HOUR\n"
             "ON COMPLETION NOT PRESERVE\n"
             "ENABLE\n"
-            "COMMENT '' DO\n"
+            "COMMENT '<>' DO\n"
             "DELETE FROM log");
   event.AtInterval.clear();
   event.At = "CURRENT_TIMESTAMP";
   event.NotPreserve = false;
   event.Enabled = false;
   event.Comment = "once";
-  EXPECT_EQ(BuildEventSql(event),
+  EXPECT_EQ(BuildEventSql(event, marked),
             "CREATE EVENT `purge`\n"
             "ON SCHEDULE AT CURRENT_TIMESTAMP\n"
             "ON COMPLETION PRESERVE\n"
             "DISABLE\n"
-            "COMMENT 'once' DO\n"
+            "COMMENT '<once>' DO\n"
             "DELETE FROM log");
 }
 
@@ -107,23 +110,23 @@ TEST(EventManager, RecurringEventWithStartAndEndAndItsAlterForm) {
   event.EveryValue = "5";
   event.EveryUnit = "MINUTE";
   event.Body = "INSERT INTO beats VALUES (NOW())";
-  EXPECT_EQ(BuildEventSql(event),
+  EXPECT_EQ(BuildEventSql(event, marked),
             "CREATE EVENT `tick`\n"
             "ON SCHEDULE EVERY 5 MINUTE\n"
             "ON COMPLETION NOT PRESERVE\n"
             "ENABLE\n"
-            "COMMENT '' DO\n"
+            "COMMENT '<>' DO\n"
             "INSERT INTO beats VALUES (NOW())");
   event.HasStart = event.HasEnd = true;
   event.Starts = "CURRENT_TIMESTAMP";
   event.Ends = "2030-01-01 00:00:00";
   event.Alter = true;
-  EXPECT_EQ(BuildEventSql(event),
+  EXPECT_EQ(BuildEventSql(event, marked),
             "ALTER EVENT `tick`\n"
             "ON SCHEDULE EVERY 5 MINUTE STARTS CURRENT_TIMESTAMP ENDS '2030-01-01 00:00:00'\n"
             "ON COMPLETION NOT PRESERVE\n"
             "ENABLE\n"
-            "COMMENT '' DO\n"
+            "COMMENT '<>' DO\n"
             "INSERT INTO beats VALUES (NOW())");
   EXPECT_EQ(EventEditCaption("shop", "tick"), "EVENT [shop.tick]");
 }

@@ -1,0 +1,92 @@
+// The main window's trigger, view, function, event and routine commands and the tree's double-clicks.
+#include <Qsci/qsciscintilla.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include "../app/shell_test_support.h"
+#include "designers_fixture.h"
+#include "test_server.h"
+#include "ui/app/explorer/frame_explorer.h"
+#include "ui/app/formppal.h"
+#include "ui/app/main_actions.h"
+#include "ui/designers/designers_commands.h"
+#include "ui/designers/form_new_view.h"
+#include "ui/designers/form_trg_mgr.h"
+#include "ui/sqleditor/frame_ec_sql.h"
+#include "ui_test_registry.h"
+
+namespace {
+
+using lomarin::test::child;
+using lomarin::test::DesignersFixture;
+using lomarin::ui::TformNewView;
+using lomarin::ui::Tformppal;
+using lomarin::ui::TformTrgMgr;
+
+QTreeWidgetItem* childNamed(QTreeWidgetItem* parent, const QString& text) {
+  for (int i = 0; parent && i < parent->childCount(); ++i)
+    if (parent->child(i)->text(0) == text) return parent->child(i);
+  return nullptr;
+}
+
+// The folder of the test database, expanded so that it lists the objects.
+QTreeWidgetItem* folder(Tformppal& window, const QString& name) {
+  QTreeWidgetItem* database =
+      childNamed(window.explorer()->tree()->topLevelItem(0), DesignersFixture::kDatabase);
+  QTreeWidgetItem* item = childNamed(database, name);
+  if (item) item->setExpanded(true);
+  return item;
+}
+
+// A main window connected to the test database with the designers' commands.
+struct ConnectedWindow {
+  ConnectedWindow() : window(*fresh.store) {
+    lomarin::ui::installDesignersCommands(window);
+    window.MySqlSession.Settings = lomarin::test::serverSettings();
+    window.MySqlSession.Settings.Database = DesignersFixture::kDatabase;
+    window.MySqlSession.Connect();
+  }
+  ~ConnectedWindow() { window.MySqlSession.Disconnect(); }
+  lomarin::test::FreshSettings fresh;
+  Tformppal window;
+};
+
+class ProgramCommandsTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void newViewAppearsInTheTreeAndATriggerOpensFromIt() {
+    DesignersFixture f(
+        {"CREATE TABLE t (id INT)", "CREATE TRIGGER stamp BEFORE INSERT ON t FOR EACH ROW SET NEW.id = 1"});
+    ConnectedWindow c;
+    Tformppal& window = c.window;
+    lomarin::test::onNextModal<TformNewView>([](TformNewView* dialog) {
+      child<QLineEdit>(dialog, "edName")->setText("ids");
+      dialog->fraWhere()->memo()->setText("select id from t");
+      child<QPushButton>(dialog, "btnOk")->click();
+    });
+    window.actions().action("actNewView")->trigger();
+    QVERIFY(childNamed(folder(window, "Views"), "ids"));
+
+    lomarin::test::onNextModal<TformTrgMgr>([](TformTrgMgr* dialog) {
+      QCOMPARE(dialog->windowTitle(), QString("Trigger [designers_ui.stamp]"));
+      QCOMPARE(dialog->fraWhere()->memo()->text(), QString("SET NEW.id = 1"));
+    });
+    emit window.explorer()->tree()->itemDoubleClicked(childNamed(folder(window, "Triggers"), "stamp"), 0);
+
+    lomarin::test::onNextModal<TformTrgMgr>([](TformTrgMgr* dialog) {
+      QCOMPARE(dialog->database(), QString(DesignersFixture::kDatabase));
+      QVERIFY(!dialog->editMode());
+    });
+    window.actions().action("actNewTrigger")->trigger();
+  }
+};
+
+}  // namespace
+
+LOMARIN_UI_TEST(ProgramCommandsTest)
+#include "program_commands_test.moc"
