@@ -3,8 +3,10 @@
 #include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
+#include "ui/designers/form_event_manager.h"
 #include "ui/designers/form_new_view.h"
 #include "ui/designers/form_trg_mgr.h"
+#include "ui/designers/form_udf.h"
 
 namespace lomarin::ui {
 
@@ -27,6 +29,17 @@ void openTrigger(Tformppal& window, const QString& database, const QString& name
   if (dialog.editMode()) window.explorer()->refreshDatabase(dialog.database());
 }
 
+void openEvent(Tformppal& window, const QString& database, const QString& name = {}) {
+  TfrmEventManager dialog(window.MySqlSession, window.settings(), reporter(window), database, name, &window);
+  dialog.exec();
+  if (dialog.alterMode()) window.explorer()->refreshDatabase(dialog.database());
+}
+
+void openUdf(Tformppal& window, const QString& name = {}) {
+  TformUDF dialog(window.MySqlSession, window.settings(), reporter(window), name, &window);
+  if (dialog.exec() == QDialog::Accepted) window.explorer()->refreshDatabase(databaseOf(window));
+}
+
 }  // namespace
 
 void installProgramCommands(Tformppal& window) {
@@ -40,9 +53,25 @@ void installProgramCommands(Tformppal& window) {
     if (dialog.exec() == QDialog::Accepted)
       window.explorer()->refreshDatabase(QString::fromStdString(window.MySqlSession.CurrentDatabase()));
   });
+  actions.setHandler("actNewEvent", [&window] {
+    if (window.currentdb()) openEvent(window, databaseOf(window));
+  });
+  actions.setHandler("actNewUdf", [&window] { openUdf(window); });
   QObject::connect(window.explorer(), &TframeExplorer::objectActivated, &window,
                    [&window](NodeKind kind, const QString& database, const QString& name) {
-                     if (kind == NodeKind::Trigger) openTrigger(window, database, name);
+                     switch (kind) {
+                       case NodeKind::Trigger:
+                         openTrigger(window, database, name);
+                         break;
+                       case NodeKind::Event:
+                         openEvent(window, database, name);
+                         break;
+                       case NodeKind::Udf:
+                         openUdf(window, name);
+                         break;
+                       default:
+                         break;
+                     }
                    });
 }
 

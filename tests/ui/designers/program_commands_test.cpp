@@ -15,8 +15,10 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/designers/designers_commands.h"
+#include "ui/designers/form_event_manager.h"
 #include "ui/designers/form_new_view.h"
 #include "ui/designers/form_trg_mgr.h"
+#include "ui/designers/form_udf.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui_test_registry.h"
 
@@ -27,6 +29,8 @@ using lomarin::test::DesignersFixture;
 using lomarin::ui::TformNewView;
 using lomarin::ui::Tformppal;
 using lomarin::ui::TformTrgMgr;
+using lomarin::ui::TformUDF;
+using lomarin::ui::TfrmEventManager;
 
 QTreeWidgetItem* childNamed(QTreeWidgetItem* parent, const QString& text) {
   for (int i = 0; parent && i < parent->childCount(); ++i)
@@ -83,6 +87,40 @@ class ProgramCommandsTest : public QObject {
       QVERIFY(!dialog->editMode());
     });
     window.actions().action("actNewTrigger")->trigger();
+  }
+
+  void eventsAndLibraryFunctionsOpenFromTheTreeAndTheirCommands() {
+    DesignersFixture f({"CREATE EVENT tick ON SCHEDULE EVERY 1 HOUR DO SET @x = 1"});
+    // A function row whose library the server never loaded: enough for the tree and the dialog.
+    lomarin::test::sideExec(
+        "INSERT INTO mysql.func (name, ret, dl, type) VALUES ('ui_fake', 2, 'fake.so', 'function')");
+    ConnectedWindow c;
+    Tformppal& window = c.window;
+    lomarin::test::onNextModal<TfrmEventManager>([](TfrmEventManager* dialog) {
+      QCOMPARE(dialog->windowTitle(), QString("EVENT [designers_ui.tick]"));
+      QVERIFY(dialog->alterMode());
+    });
+    emit window.explorer()->tree()->itemDoubleClicked(childNamed(folder(window, "Events"), "tick"), 0);
+
+    lomarin::test::onNextModal<TfrmEventManager>([](TfrmEventManager* dialog) {
+      child<QLineEdit>(dialog, "cxEventName")->setText("made");
+      dialog->fraDefinition()->memo()->setText("SET @y = 2");
+      child<QPushButton>(dialog, "btnOk")->click();
+    });
+    window.actions().action("actNewEvent")->trigger();
+    QVERIFY(childNamed(folder(window, "Events"), "made"));
+
+    lomarin::test::onNextModal<TformUDF>([](TformUDF* dialog) {
+      QCOMPARE(child<QLineEdit>(dialog, "edName")->text(), QString("ui_fake"));
+      QCOMPARE(child<QLineEdit>(dialog, "rxFilename")->text(), QString("fake.so"));
+      QCOMPARE(child<QComboBox>(dialog, "coboretuns")->currentText(), QString("Integer"));
+    });
+    emit window.explorer()->tree()->itemDoubleClicked(childNamed(folder(window, "UDFs"), "ui_fake"), 0);
+    lomarin::test::sideExec("DELETE FROM mysql.func WHERE name = 'ui_fake'");
+
+    lomarin::test::onNextModal<TformUDF>(
+        [](TformUDF* dialog) { QVERIFY(dialog->state().ReplacedName.empty()); });
+    window.actions().action("actNewUdf")->trigger();
   }
 };
 

@@ -1,17 +1,22 @@
 // The trigger and view dialogs against the server: what they send and what the server then holds.
 #include <Qsci/qsciscintilla.h>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTabWidget>
 #include <QTest>
 
 #include "../app/shell_test_support.h"
 #include "designers_fixture.h"
 #include "test_server.h"
+#include "ui/designers/form_event_manager.h"
 #include "ui/designers/form_new_view.h"
 #include "ui/designers/form_trg_mgr.h"
+#include "ui/designers/form_udf.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui_test_registry.h"
 
@@ -21,6 +26,24 @@ using lomarin::test::child;
 using lomarin::test::DesignersFixture;
 using lomarin::ui::TformNewView;
 using lomarin::ui::TformTrgMgr;
+using lomarin::ui::TformUDF;
+using lomarin::ui::TfrmEventManager;
+
+QString lineText(QWidget* dialog, const char* name) { return child<QLineEdit>(dialog, name)->text(); }
+void setLine(QWidget* dialog, const char* name, const QString& text) {
+  child<QLineEdit>(dialog, name)->setText(text);
+}
+bool checked(QWidget* dialog, const char* name) { return child<QAbstractButton>(dialog, name)->isChecked(); }
+void check(QWidget* dialog, const char* name, bool on) {
+  child<QAbstractButton>(dialog, name)->setChecked(on);
+}
+
+std::string eventColumn(DesignersFixture& f, const std::string& column, const std::string& name) {
+  return lomarin::test::scalar(*f.session, "SELECT " + column +
+                                               " FROM information_schema.events WHERE event_schema = "
+                                               "'designers_ui' AND event_name = '" +
+                                               name + "'");
+}
 
 constexpr const char* kTriggerSetup[] = {"CREATE TABLE t (id INT)", "CREATE TABLE u (id INT)"};
 
@@ -93,6 +116,7 @@ class ProgramDialogsTest : public QObject {
     QCOMPARE(child<QComboBox>(&dialog, "cobotrgtime")->currentText(), QString("AFTER"));
     QCOMPARE(child<QComboBox>(&dialog, "cobotrgEvent")->currentText(), QString("DELETE"));
     QCOMPARE(dialog.fraWhere()->memo()->text(), QString("SET @gone = OLD.id"));
+    lomarin::test::render(dialog, "TformTrgMgr_general");
 
     // A body the server refuses: the drop went through, so the old trigger is put back.
     dialog.fraWhere()->memo()->setText("SET NEW.id = 1");
@@ -115,6 +139,121 @@ class ProgramDialogsTest : public QObject {
     QVERIFY(!child<QPushButton>(&dialog, "btnOk")->isEnabled());
   }
 
+  void oneTimeEventCreatedThenLoadedAndAltered() {
+    DesignersFixture f({"CREATE TABLE t (id INT)"});
+    QStringList reported;
+    {
+      TfrmEventManager dialog(
+          *f.session, *f.settings, [&](const QString& m) { reported << m; }, DesignersFixture::kDatabase);
+      dialog.show();
+      QVERIFY(checked(&dialog, "cxchkEnabled"));
+      QVERIFY(checked(&dialog, "cxchkCompletion"));
+      QVERIFY(!child<QLineEdit>(&dialog, "cxeditEvery")->isEnabled());
+      setLine(&dialog, "cxEventName", "once");
+      child<QPushButton>(&dialog, "btnOk")->click();
+      QCOMPARE(reported, QStringList{"Missing event source."});
+      setLine(&dialog, "cxedCurrent", "2030-06-01 10:00:00");
+      setLine(&dialog, "cxedinterval", "2");
+      child<QComboBox>(&dialog, "cxcoboInterval")->setCurrentText("HOUR");
+      child<QPlainTextEdit>(&dialog, "cxmemoComment")->setPlainText(R"(it's C:\)");
+      dialog.fraDefinition()->memo()->setText("INSERT INTO t VALUES (1)");
+      lomarin::test::render(dialog, "TfrmEventManager");
+      f.takeStatements();
+      child<QPushButton>(&dialog, "btnOk")->click();
+      QCOMPARE(f.takeStatements(),
+               std::vector<std::string>{"CREATE EVENT `once`\n"
+                                        "ON SCHEDULE AT '2030-06-01 10:00:00' + INTERVAL 2 HOUR\n"
+                                        "ON COMPLETION NOT PRESERVE\n"
+                                        "ENABLE\n"
+                                        R"(COMMENT 'it\'s C:\\' DO)"
+                                        "\n"
+                                        "INSERT INTO t VALUES (1)"});
+      QCOMPARE(dialog.windowTitle(), QString("EVENT [designers_ui.once]"));
+      QVERIFY(dialog.alterMode());
+      QVERIFY(!child<QPushButton>(&dialog, "btnOk")->isEnabled());
+    }
+    QCOMPARE(eventColumn(f, "execute_at", "once"), std::string("2030-06-01 12:00:00"));
+    QCOMPARE(eventColumn(f, "event_comment", "once"), std::string(R"(it's C:\)"));
+
+    TfrmEventManager dialog(*f.session, *f.settings, {}, DesignersFixture::kDatabase, "once");
+    dialog.show();
+    QCOMPARE(dialog.windowTitle(), QString("EVENT [designers_ui.once]"));
+    QVERIFY(checked(&dialog, "cxrdiAt"));
+    QCOMPARE(lineText(&dialog, "cxedCurrent"), QString("2030-06-01 12:00:00"));
+    QCOMPARE(child<QPlainTextEdit>(&dialog, "cxmemoComment")->toPlainText(), QString(R"(it's C:\)"));
+    QCOMPARE(dialog.fraDefinition()->memo()->text(), QString("INSERT INTO t VALUES (1)"));
+    check(&dialog, "cxchkEnabled", false);
+    check(&dialog, "cxchkCompletion", false);
+    child<QPushButton>(&dialog, "btnOk")->click();
+    QCOMPARE(eventColumn(f, "status", "once"), std::string("DISABLED"));
+    QCOMPARE(eventColumn(f, "on_completion", "once"), std::string("PRESERVE"));
+  }
+
+  void recurringEventLoadedWithEveryFieldAndAltered() {
+    DesignersFixture f(
+        {"CREATE TABLE t (id INT)",
+         "CREATE EVENT every ON SCHEDULE EVERY 5 MINUTE STARTS '2030-01-01 00:00:00' "
+         "ENDS '2031-01-01 00:00:00' ON COMPLETION PRESERVE DISABLE COMMENT 'tick' DO DELETE FROM t"});
+    TfrmEventManager dialog(*f.session, *f.settings, {}, DesignersFixture::kDatabase, "every");
+    dialog.show();
+    QVERIFY(checked(&dialog, "cxradiEvery"));
+    QVERIFY(!child<QLineEdit>(&dialog, "cxedCurrent")->isEnabled());
+    QCOMPARE(lineText(&dialog, "cxEventName"), QString("every"));
+    QCOMPARE(lineText(&dialog, "cxeditEvery"), QString("5"));
+    QCOMPARE(child<QComboBox>(&dialog, "cxcoboEvery")->currentText(), QString("MINUTE"));
+    QVERIFY(checked(&dialog, "cxchkstart"));
+    QCOMPARE(lineText(&dialog, "cxedStart"), QString("2030-01-01 00:00:00"));
+    QVERIFY(checked(&dialog, "cxchkEnd"));
+    QCOMPARE(lineText(&dialog, "cxedEnd"), QString("2031-01-01 00:00:00"));
+    QVERIFY(!checked(&dialog, "cxchkEnabled"));
+    QVERIFY(!checked(&dialog, "cxchkCompletion"));
+    QCOMPARE(child<QPlainTextEdit>(&dialog, "cxmemoComment")->toPlainText(), QString("tick"));
+    QCOMPARE(dialog.fraDefinition()->memo()->text(), QString("DELETE FROM t"));
+
+    setLine(&dialog, "cxeditEvery", "1");
+    child<QComboBox>(&dialog, "cxcoboEvery")->setCurrentText("DAY");
+    check(&dialog, "cxchkEnd", false);
+    child<QTabWidget>(&dialog, "pgcEvent")->setCurrentIndex(2);
+    const QString alter =
+        "ALTER EVENT `every`\n"
+        "ON SCHEDULE EVERY 1 DAY STARTS '2030-01-01 00:00:00'\n"
+        "ON COMPLETION PRESERVE\n"
+        "DISABLE\n"
+        "COMMENT 'tick' DO\n"
+        "DELETE FROM t";
+    QCOMPARE(dialog.sourceFrame()->memo()->text(), alter);
+    f.takeStatements();
+    child<QPushButton>(&dialog, "btnOk")->click();
+    QCOMPARE(f.takeStatements(), std::vector<std::string>{alter.toStdString()});
+    QCOMPARE(eventColumn(f, "interval_field", "every"), std::string("DAY"));
+  }
+
+  void libraryFunctionStatementsAndTheServersRefusal() {
+    DesignersFixture f;
+    QStringList reported;
+    TformUDF dialog(*f.session, *f.settings, [&](const QString& m) { reported << m; });
+    dialog.show();
+    QCOMPARE(dialog.windowTitle(), QString("UDF manager"));
+    QCOMPARE(child<QComboBox>(&dialog, "coboretuns")->currentText(), QString("String"));
+    lomarin::test::render(dialog, "TformUDF_general");
+    setLine(&dialog, "edName", "nothere");
+    child<QPushButton>(&dialog, "btnOk")->click();
+    QCOMPARE(reported, QStringList{"Missing library."});
+    setLine(&dialog, "rxFilename", "nothere.so");
+    child<QComboBox>(&dialog, "coboretuns")->setCurrentText("Integer");
+    check(&dialog, "chkAggrgate", true);
+    child<QTabWidget>(&dialog, "pgcUdf")->setCurrentIndex(1);
+    lomarin::test::render(dialog, "TformUDF");
+    f.takeStatements();
+    child<QPushButton>(&dialog, "btnOk")->click();
+    QCOMPARE(f.takeStatements(),
+             std::vector<std::string>{
+                 "CREATE FUNCTION AGGREGATE `nothere` RETURNS Integer SONAME \"nothere.so\""});
+    QCOMPARE(f.serverErrors.size(), size_t(1));
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(lineText(&dialog, "edName"), QString("nothere"));
+  }
+
   void viewMadeFromTheSqlPage() {
     DesignersFixture f({"CREATE TABLE t (id INT)"});
     TformNewView dialog(*f.session, *f.settings);
@@ -122,6 +261,8 @@ class ProgramDialogsTest : public QObject {
     QCOMPARE(dialog.windowTitle(), QString("New View"));
     child<QLineEdit>(&dialog, "edName")->setText("ids");
     dialog.fraWhere()->memo()->setText("select id from t");
+    child<QTabWidget>(&dialog, "pgcView")->setCurrentIndex(1);
+    lomarin::test::render(dialog, "TformNewView_sql");
     child<QTabWidget>(&dialog, "pgcView")->setCurrentIndex(2);
     QCOMPARE(dialog.sourceFrame()->memo()->text(), QString("CREATE VIEW ids AS \nselect id from t"));
     QVERIFY(dialog.sourceFrame()->isReadOnly());
