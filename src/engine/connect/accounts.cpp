@@ -72,6 +72,8 @@ std::vector<std::pair<std::string_view, std::string>> storedValues(const TAccoun
       {"PHP Proxy login", onlyIf(php, a.ProxyLogin)},
       {"PHP Proxy password", php ? encipher(a.ProxyPassword) : std::string()},
       {"PHP Proxy port", php ? std::to_string(a.ProxyPort) : std::string("808")},
+      // Ours, after the values older versions wrote, so their positions stay.
+      {"PHP Secret", php ? encipher(a.PHPSecret) : std::string()},
   };
 }
 
@@ -80,9 +82,9 @@ std::vector<std::pair<std::string_view, std::string>> storedValues(const TAccoun
 bool TAccountStore::exists(std::string_view name) const {
   for (const auto& existing : names())
     if (existing.size() == name.size() &&
-        std::equal(existing.begin(), existing.end(), name.begin(),
-                   [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) ==
-                                               std::tolower(static_cast<unsigned char>(b)); }))
+        std::equal(existing.begin(), existing.end(), name.begin(), [](char a, char b) {
+          return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+        }))
       return true;
   return false;
 }
@@ -146,6 +148,7 @@ std::optional<TAccount> TAccountStore::load(std::string_view name) const {
   a.ProxyLogin = text("PHP Proxy login", "");
   a.ProxyPassword = decipher(text("PHP Proxy password", ""));
   a.ProxyPort = number("PHP Proxy port", defaults.ProxyPort);
+  a.PHPSecret = decipher(text("PHP Secret", ""));
   return a;
 }
 

@@ -49,6 +49,8 @@ struct TAccount {
   std::string ProxyLogin;
   std::string ProxyPassword;
   int ProxyPort = 808;
+  // What the tunnel script checks on every request; stored enciphered.
+  std::string PHPSecret;
 
   bool operator==(const TAccount&) const = default;
 };

@@ -19,9 +19,21 @@ std::string applyAccountToSession(const TAccount& account, TMySessionSettings& s
   settings.Charset = account.ClientCharset == "default" ? std::string() : account.ClientCharset;
   settings.ConnectionTimeout = account.Timeout >= kMinimumTimeout ? account.Timeout : 0;
   settings.UseSSL = account.UseSSL;
-  settings.SSL = account.UseSSL ? TMySSLOptions{account.SSLCACert, account.SSLCert,
-                                                account.SSLCipherList, account.SSLKey}
+  settings.SSL = account.UseSSL ? TMySSLOptions{account.SSLCACert, account.SSLCert, account.SSLCipherList,
+                                                account.SSLKey}
                                 : TMySSLOptions{};
+  settings.Http = {};
+  if (account.UsePHP) {
+    settings.Protocol = TMyProtocol::Http;
+    settings.Http.Url = account.PHPUrl;
+    settings.Http.Secret = account.PHPSecret;
+    if (!account.ProxyHost.empty()) {
+      settings.Http.ProxyHost = account.ProxyHost;
+      settings.Http.ProxyUser = account.ProxyLogin;
+      settings.Http.ProxyPassword = account.ProxyPassword;
+      settings.Http.ProxyPort = account.ProxyPort;
+    }
+  }
   return account.ShowAllDatabases ? std::string() : "'" + account.Database + "'";
 }
 

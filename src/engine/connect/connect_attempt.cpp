@@ -40,9 +40,16 @@ MYSQL* prepareConnection(const TMySessionSettings& s, const std::string& charset
         mysql_optionsv(m, MYSQL_OPT_PROTOCOL, &protocol);
       break;
     }
+    case TMyProtocol::Http:
+      // The session opens the HTTP tunnel first and connects to its loopback port.
+      if (tunnel) {
+        unsigned protocol = MYSQL_PROTOCOL_TCP;
+        mysql_optionsv(m, MYSQL_OPT_PROTOCOL, &protocol);
+        break;
+      }
+      [[fallthrough]];
     case TMyProtocol::Pipe:
     case TMyProtocol::Memory:
-    case TMyProtocol::Http:
       mysql_close(m);
       throw ServerError(CR_CONN_UNKNOWN_PROTOCOL, "HY000", "Wrong or unknown protocol");
   }

@@ -49,13 +49,38 @@ ServerError errorOf(MYSQL* mysql) {
 
 // ---- Impl ----
 
-MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string& charset) {
-  MYSQL* m = prepareConnection(owner.Settings, charset);
+TMySessionSettings TMyConnection::Impl::routed() const {
+  TMySessionSettings settings = owner.Settings;
+  if (settings.Protocol == TMyProtocol::Http) settings.TunnelPort = httpTunnel.LocalPort();
+  return settings;
+}
+
+void TMyConnection::Impl::openHttpTunnel() {
+  const TMySessionSettings& s = owner.Settings;
+  if (s.Protocol != TMyProtocol::Http) {
+    httpTunnel.Close();
+    return;
+  }
   try {
-    serverVersion = completeConnection(m, owner.Settings, database);
-  } catch (const ServerError&) {
+    httpTunnel.Open(s.Http, THttpTunnelTarget{s.Server, s.Port, s.ConnectionTimeout});
+  } catch (const THttpTunnelError& error) {
+    fail(ServerError(CR_CONN_HOST_ERROR, "HY000", error.what()));
+  }
+}
+
+ServerError TMyConnection::Impl::withTunnelReason(const ServerError& error) const {
+  const std::string reason = httpTunnel.IsOpen() ? httpTunnel.LastError() : std::string();
+  return reason.empty() ? error : ServerError(error.number(), error.sqlstate(), reason);
+}
+
+MYSQL* TMyConnection::Impl::open(const std::string& database, const std::string& charset) {
+  const TMySessionSettings settings = routed();
+  MYSQL* m = prepareConnection(settings, charset);
+  try {
+    serverVersion = completeConnection(m, settings, database);
+  } catch (const ServerError& error) {
     mysql_close(m);
-    throw;
+    throw withTunnelReason(error);
   }
   serverMultiStatements = false;
   return m;
@@ -212,9 +237,11 @@ void TMyConnection::StartConnect() {
   if (Events.BeforeConnect) Events.BeforeConnect();
   std::string charset = Settings.Charset;
   if (charset.empty() && Settings.UseUnicode) charset = "utf8mb4";
+  d->openHttpTunnel();
   try {
-    d->attempt = ConnectAttempt::start(Settings, Settings.Database, charset);
+    d->attempt = ConnectAttempt::start(d->routed(), Settings.Database, charset);
   } catch (const ServerError& error) {
+    d->httpTunnel.Close();
     d->fail(error);
   }
 }
@@ -233,19 +260,25 @@ void TMyConnection::FinishConnect() {
     d->serverMultiStatements = false;
     d->applyAutoCommit();
   } catch (const ServerError& error) {
+    const ServerError reported = d->withTunnelReason(error);
     d->close();
-    d->fail(error);
+    d->httpTunnel.Close();
+    d->fail(reported);
   }
   if (Events.AfterConnect) Events.AfterConnect();
 }
 
-void TMyConnection::AbandonConnect() { d->attempt.reset(); }
+void TMyConnection::AbandonConnect() {
+  d->attempt.reset();
+  d->httpTunnel.Close();
+}
 
 void TMyConnection::Disconnect() {
   d->awaitTurn();
   if (!Connected()) return;
   if (Events.BeforeDisconnect) Events.BeforeDisconnect();
   d->close();
+  d->httpTunnel.Close();
   if (Events.AfterDisconnect) Events.AfterDisconnect();
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/connect/http_tunnel.h"
 #include "engine/connect/my_connection.h"
 
 namespace lomarin {
@@ -36,6 +37,8 @@ struct TMyConnection::Impl {
   bool lossReported = false;
   // The query whose result rows (or further results) are still unread on the connection.
   TMyQuery* pending = nullptr;
+  // Open while a connection (or a connect) goes through the HTTP tunnel script.
+  THttpTunnel httpTunnel;
   // The connect under way, between StartConnect and FinishConnect.
   std::shared_ptr<ConnectAttempt> attempt;
 
@@ -48,6 +51,12 @@ struct TMyConnection::Impl {
   // Returns once the calling thread may use the session.
   void awaitTurn();
 
+  // The settings a connection is made with: through the HTTP tunnel's port when it is open.
+  TMySessionSettings routed() const;
+  // Opens the HTTP tunnel when the settings ask for it. Throws ServerError.
+  void openHttpTunnel();
+  // The error a connect through the HTTP tunnel gave, with the tunnel's reason when it has one.
+  ServerError withTunnelReason(const ServerError& error) const;
   MYSQL* open(const std::string& database, const std::string& charset);
   void close();
   // Sets autocommit as the settings ask, unless the server already runs the session so.

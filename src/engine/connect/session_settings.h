@@ -13,6 +13,18 @@ struct TMySSLOptions {
   std::string Key;
 };
 
+// The HTTP tunnel script the session goes through when its Protocol is Http.
+struct TMyHttpTunnel {
+  std::string Url;
+  // The text the script checks on every request.
+  std::string Secret;
+  // No proxy when empty.
+  std::string ProxyHost;
+  int ProxyPort = 808;
+  std::string ProxyUser;
+  std::string ProxyPassword;
+};
+
 // What the connect dialog copies onto the session right before each connect.
 struct TMySessionSettings {
   std::string Username;
@@ -38,6 +50,9 @@ struct TMySessionSettings {
   // While the session runs through an SSH tunnel: the loopback port it listens on. Server and
   // Port still name the server (as the SSH server sees it); every connection goes to this port.
   int TunnelPort = 0;
+  // With Protocol Http the session opens a tunnel of its own through this script for every
+  // connection it makes; Server and Port name the server as the web server sees it.
+  TMyHttpTunnel Http;
 };
 
 }  // namespace lomarin

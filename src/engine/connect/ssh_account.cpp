@@ -31,7 +31,8 @@ void PrepareAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAcc
   // Disconnecting closes the tunnel in the main window's after-disconnect step: first, then.
   if (session.Connected()) session.Disconnect();
   session.Settings.TunnelPort = 0;
-  if (!account.UseSSH) {
+  // The HTTP tunnel, which the session opens itself, goes to the server without SSH.
+  if (!account.UseSSH || account.UsePHP) {
     tunnel.Close();
     return;
   }

@@ -1,6 +1,5 @@
 #include "engine/connect/ssh_tunnel.h"
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/eventfd.h>
@@ -9,37 +8,15 @@
 
 #include <array>
 #include <atomic>
-#include <cerrno>
-#include <cstring>
 #include <mutex>
 #include <thread>
 
+#include "engine/connect/loopback_listener.h"
 #include "engine/connect/ssh_error.h"
 #include "engine/connect/ssh_forwarder.h"
 #include "engine/connect/ssh_login.h"
 
 namespace lomarin {
-
-namespace {
-
-// Returns the listening socket and its port.
-std::pair<int, int> listenOnLoopback() {
-  const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-      ::listen(fd, SOMAXCONN) != 0 ||
-      ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-    const std::string reason = std::strerror(errno);
-    if (fd >= 0) ::close(fd);
-    throw TSshError("The tunnel can not listen on a loopback port: " + reason);
-  }
-  return {fd, ntohs(address.sin_port)};
-}
-
-}  // namespace
 
 struct TSshTunnel::Impl {
   TSshTunnelSettings settings;
@@ -107,13 +84,14 @@ TSshTunnel::~TSshTunnel() { Close(); }
 void TSshTunnel::Open(const TSshTunnelSettings& settings) {
   Close();
   auto forwarder = std::make_unique<TSshForwarder>(OpenSshSession(settings));
-  const auto [listenFd, port] = listenOnLoopback();
+  const TLoopbackListener listener = listenOnLoopback();
+  if (listener.fd < 0) throw TSshError("The tunnel can not listen on a loopback port: " + listener.error);
   d->wakeFd = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   d->settings = settings;
   d->forwarder = std::move(forwarder);
-  d->listenFd = listenFd;
+  d->listenFd = listener.fd;
   d->lastError.clear();
-  d->port = port;
+  d->port = listener.port;
   d->thread = std::thread([impl = d.get()] { impl->run(); });
 }
 

@@ -1,3 +1,5 @@
+#include "engine/connect/accounts.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -5,7 +7,6 @@
 #include <vector>
 
 #include "engine/app/settings_store.h"
-#include "engine/connect/accounts.h"
 #include "engine/connect/accounts_cipher.h"
 #include "engine/connect/accounts_session.h"
 
@@ -49,15 +50,43 @@ TEST_F(AccountsTest, ValuesAreWrittenInTheirFixedOrderWithOffValues) {
   a.SSHServer = "ignored while SSH is off";
   a.SSHPassword = "ignored";
   a.PHPUrl = "http://ignored";
+  a.PHPSecret = "ignored";
   ASSERT_TRUE(store.add("work", a));
 
-  const std::vector<std::string> expected{
-      "Login", "Password", "Server", "Database Port", "Database Name", "Show All Database",
-      "Use SSH", "SSH Server", "SSH Login", "SSH Password", "SSH Port", "SSH To Port",
-      "SSH Forward", "Client charset", "Font charset", "Direct Connection", "Use SSL",
-      "Client key", "Certificate authority file", "Certificate file", "Chipher list", "Unicode",
-      "Compression", "Timeout", "Font format", "Font encoding", "SSH Client Key", "Use PHP",
-      "PHP url", "PHP Proxy host", "PHP Proxy login", "PHP Proxy password", "PHP Proxy port"};
+  const std::vector<std::string> expected{"Login",
+                                          "Password",
+                                          "Server",
+                                          "Database Port",
+                                          "Database Name",
+                                          "Show All Database",
+                                          "Use SSH",
+                                          "SSH Server",
+                                          "SSH Login",
+                                          "SSH Password",
+                                          "SSH Port",
+                                          "SSH To Port",
+                                          "SSH Forward",
+                                          "Client charset",
+                                          "Font charset",
+                                          "Direct Connection",
+                                          "Use SSL",
+                                          "Client key",
+                                          "Certificate authority file",
+                                          "Certificate file",
+                                          "Chipher list",
+                                          "Unicode",
+                                          "Compression",
+                                          "Timeout",
+                                          "Font format",
+                                          "Font encoding",
+                                          "SSH Client Key",
+                                          "Use PHP",
+                                          "PHP url",
+                                          "PHP Proxy host",
+                                          "PHP Proxy login",
+                                          "PHP Proxy password",
+                                          "PHP Proxy port",
+                                          "PHP Secret"};
   EXPECT_EQ(settings_->valueNames(kKey + "work"), expected);
 
   EXPECT_EQ(raw("work", "Database Port"), "3307");
@@ -66,9 +95,9 @@ TEST_F(AccountsTest, ValuesAreWrittenInTheirFixedOrderWithOffValues) {
   EXPECT_EQ(raw("work", "Use SSH"), "0");
   EXPECT_EQ(raw("work", "SSH Port"), "22");
   EXPECT_EQ(raw("work", "PHP Proxy port"), "808");
-  for (const char* blank : {"SSH Server", "SSH Login", "SSH Password", "SSH To Port", "SSH Forward",
-                            "SSH Client Key", "PHP url", "PHP Proxy host", "PHP Proxy login",
-                            "PHP Proxy password"})
+  for (const char* blank :
+       {"SSH Server", "SSH Login", "SSH Password", "SSH To Port", "SSH Forward", "SSH Client Key", "PHP url",
+        "PHP Proxy host", "PHP Proxy login", "PHP Proxy password", "PHP Secret"})
     EXPECT_EQ(raw("work", blank), "") << blank;
 }
 
@@ -85,6 +114,7 @@ TEST_F(AccountsTest, PasswordsAreNeverStoredInClearAndComeBackOnLoad) {
   a.ProxyHost = "proxy";
   a.ProxyPassword = "proxy pw";
   a.ProxyPort = 3128;
+  a.PHPSecret = "tunnel secret";
   a.UseSSL = true;
   a.SSLCACert = "/ca.pem";
   a.Timeout = 20;
@@ -94,7 +124,8 @@ TEST_F(AccountsTest, PasswordsAreNeverStoredInClearAndComeBackOnLoad) {
   EXPECT_EQ(raw("full", "Password"), encipher("s3cret pw"));
   EXPECT_EQ(raw("full", "SSH Password"), encipher("ssh pw"));
   EXPECT_EQ(raw("full", "PHP Proxy password"), encipher("proxy pw"));
-  for (const char* plain : {"s3cret pw", "ssh pw", "proxy pw"})
+  EXPECT_EQ(raw("full", "PHP Secret"), encipher("tunnel secret"));
+  for (const char* plain : {"s3cret pw", "ssh pw", "proxy pw", "tunnel secret"})
     for (const auto& name : settings_->valueNames(kKey + "full"))
       EXPECT_EQ(raw("full", name).find(plain), std::string::npos) << name;
 
@@ -215,6 +246,37 @@ TEST(AccountsSession, CopiesTheDialogValuesOntoTheSession) {
   EXPECT_EQ(s.ConnectionTimeout, 15);
   EXPECT_TRUE(s.UseSSL);
   EXPECT_EQ(s.SSL.CACert, "/ca.pem");
+}
+
+TEST(AccountsSession, TheHttpTunnelTakesTheProxyOnlyWhenItsHostIsSet) {
+  TAccount a;
+  a.UsePHP = true;
+  a.PHPUrl = "https://web/tunnel.php";
+  a.PHPSecret = "s";
+  a.ProxyLogin = "who";
+  a.ProxyPassword = "pw";
+  TMySessionSettings s;
+  s.Http.ProxyHost = "stale";
+  applyAccountToSession(a, s);
+  EXPECT_EQ(s.Protocol, TMyProtocol::Http);
+  EXPECT_EQ(s.Http.Url, "https://web/tunnel.php");
+  EXPECT_EQ(s.Http.Secret, "s");
+  EXPECT_EQ(s.Http.ProxyHost, "");
+  EXPECT_EQ(s.Http.ProxyUser, "");
+
+  a.ProxyHost = "proxy";
+  a.ProxyPort = 3128;
+  applyAccountToSession(a, s);
+  EXPECT_EQ(s.Http.ProxyHost, "proxy");
+  EXPECT_EQ(s.Http.ProxyPort, 3128);
+  EXPECT_EQ(s.Http.ProxyUser, "who");
+  EXPECT_EQ(s.Http.ProxyPassword, "pw");
+
+  a.UsePHP = false;
+  applyAccountToSession(a, s);
+  EXPECT_EQ(s.Protocol, TMyProtocol::Default);
+  EXPECT_EQ(s.Http.Url, "");
+  EXPECT_EQ(s.Http.ProxyHost, "");
 }
 
 }  // namespace
