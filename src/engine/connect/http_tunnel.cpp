@@ -27,7 +27,6 @@ constexpr long kNoContent = 204;
 constexpr size_t kFrameHead = 5;
 constexpr size_t kSendChunk = 1024 * 1024;
 constexpr size_t kTextKept = 400;
-constexpr std::string_view kPingAnswer = "lomarin-tunnel 1";
 // How long Close lets the relayed connections end on their own (telling the script) before it
 // cuts the requests off.
 constexpr auto kCloseGrace = std::chrono::seconds(2);
@@ -211,7 +210,9 @@ void THttpTunnel::Impl::download(THttpTunnelLink& link) {
     return taken;
   });
   if (!announced) {
-    const std::string reason = request.failure(status, refusal);
+    const std::string reason =
+        status == kOk ? "The HTTP tunnel failed: " + script.Url + " does not answer as the tunnel script"
+                      : request.failure(status, refusal);
     const std::lock_guard lock(mutex);
     lastError = reason;
     link.failed = true;
@@ -258,18 +259,6 @@ THttpTunnel::~THttpTunnel() { Close(); }
 
 void THttpTunnel::Open(const TMyHttpTunnel& script, const THttpTunnelTarget& target) {
   Close();
-  {
-    THttpRequest ping(script, target.ConnectTimeout);
-    std::string answer;
-    const long status = ping.get("a=ping", [&answer](std::string_view bytes) {
-      answer.append(bytes.substr(0, kTextKept));
-      return true;
-    });
-    if (status != kOk) throw THttpTunnelError(ping.failure(status, answer));
-    if (!answer.starts_with(kPingAnswer))
-      throw THttpTunnelError("The HTTP tunnel failed: " + script.Url +
-                             " does not answer as the tunnel script");
-  }
   const TLoopbackListener listener = listenOnLoopback();
   if (listener.fd < 0)
     throw THttpTunnelError("The tunnel can not listen on a loopback port: " + listener.error);

@@ -28,7 +28,6 @@ struct THttpTunnelTarget {
 //
 // The script's protocol, version 1 (the script's header describes the same):
 //   every request carries the secret in "X-Tunnel-Secret"; without it the script answers 403.
-//   GET  ?a=ping                 "lomarin-tunnel 1": checks address, secret and proxy at Open.
 //   GET  ?a=open&host=&port=     one per connection; the script connects to the MySQL server and
 //                                answers a stream of frames (type byte, 4-byte big-endian length,
 //                                payload) for as long as that connection lives: "I" the id, then
@@ -46,9 +45,9 @@ class THttpTunnel {
   THttpTunnel(const THttpTunnel&) = delete;
   THttpTunnel& operator=(const THttpTunnel&) = delete;
 
-  // Asks the script whether it answers to the secret (through the proxy when one is set), then
-  // starts listening; an open tunnel is closed first. Throws THttpTunnelError, and then nothing
-  // is left open.
+  // Starts listening; an open tunnel is closed first. The script is asked only when a connection
+  // is made to the port; why that failed then shows in LastError. Throws THttpTunnelError, and
+  // then nothing is left open.
   void Open(const TMyHttpTunnel& script, const THttpTunnelTarget& target);
   // Ends every relayed connection (telling the script) and stops listening.
   void Close();

@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "engine/connect/tunnel_script.h"
 #include "test_server.h"
 
 namespace lomarin::test {
@@ -94,13 +95,12 @@ int freeLoopbackPort() {
 }
 
 TunnelWebServer::TunnelWebServer(const std::vector<std::string>& allowedHosts) : port_(freeLoopbackPort()) {
-  std::string script = readFile(LOMARIN_TUNNEL_SCRIPT);
+  std::string script = TunnelScript(kTunnelSecret);
   const auto set = [&script](const std::string& line, const std::string& value) {
     const size_t at = script.find(line);
     if (at == std::string::npos) throw std::runtime_error("the tunnel script has no line " + line);
     script.replace(at, line.size(), value);
   };
-  set("$secret = '';", "$secret = " + phpText(kTunnelSecret) + ";");
   std::string hosts;
   for (const std::string& host : allowedHosts) hosts += (hosts.empty() ? "" : ", ") + phpText(host);
   set("$allowed_hosts = array();", "$allowed_hosts = array(" + hosts + ");");

@@ -10,7 +10,8 @@
 
 namespace lomarin::test {
 
-inline constexpr const char* kTunnelSecret = "correct horse battery staple";
+// Quote and backslash: the script's literal must escape them.
+inline constexpr const char* kTunnelSecret = "correct horse's \\ battery";
 
 // A program run by a test in a process group of its own, ended (SIGTERM, then waited for) with
 // the object. Its output goes to a file.

@@ -15,7 +15,6 @@
  *
  * Protocol (version 1). Every request carries the secret in the header "X-Tunnel-Secret"; a
  * request without the right secret gets 403 and an empty body, and nothing else happens.
- *   GET  ?a=ping                  200, body "lomarin-tunnel 1\n".
  *   GET  ?a=open&host=H&port=P    Connects to the MySQL server H:P. On failure: 400 (host not
  *                                 allowed) or 502, with a one-line reason. Otherwise 200 and a body
  *                                 of frames that lasts as long as the MySQL connection. A frame is
@@ -268,9 +267,6 @@ if ($secret === '' || !hash_equals($secret, $given)) {
 }
 
 $action = isset($_GET['a']) ? (string) $_GET['a'] : '';
-if ($action === 'ping') {
-    answer(200, 'lomarin-tunnel 1');
-}
 $folder = relay_folder($relay_folder);
 $id = isset($_GET['id']) ? $_GET['id'] : '';
 switch ($action) {
