@@ -1,10 +1,13 @@
 #include "ui/connect/account_frame.h"
 
 #include <QFileDialog>
+#include <QSaveFile>
 #include <QSignalBlocker>
 
 #include "engine/connect/accounts_choices.h"
 #include "engine/connect/ssh_key_store.h"
+#include "engine/connect/tunnel_script.h"
+#include "ui/connect/connect_message.h"
 #include "ui/connect/form_client_key.h"
 #include "ui_account_frame.h"
 
@@ -54,6 +57,19 @@ TframeAccount::TframeAccount(QWidget* parent) : QWidget(parent), ui_(std::make_u
   });
   connect(ui_->cboSSHKey, &QComboBox::currentIndexChanged, this,
           [this](int index) { ui_->btnDeleteKey->setEnabled(index >= 0); });
+  connect(ui_->btnSaveTunnelScript, &QPushButton::clicked, this, &TframeAccount::saveTunnelScript);
+}
+
+void TframeAccount::saveTunnelScript() {
+  const QString file = QFileDialog::getSaveFileName(this, tr("Save tunnel script"),
+                                                    QStringLiteral("tunnel.php"), tr("PHP files (*.php)"));
+  if (file.isEmpty()) return;
+  QSaveFile out(file);
+  const std::string script = TunnelScript(s(ui_->edtPHPSecret->text()));
+  if (!out.open(QIODevice::WriteOnly) || out.write(script.data(), static_cast<qint64>(script.size())) < 0 ||
+      !out.commit())
+    showConnectMessage(this,
+                       tr("The tunnel script could not be saved as %1: %2").arg(file, out.errorString()));
 }
 
 TframeAccount::~TframeAccount() = default;
@@ -114,6 +130,7 @@ TAccount TframeAccount::account() const {
   a.ProxyLogin = s(ui_->edtProxyLogin->text());
   a.ProxyPassword = s(ui_->edtProxyPassword->text());
   a.ProxyPort = ui_->spnProxyPort->value();
+  a.PHPSecret = s(ui_->edtPHPSecret->text());
   return a;
 }
 
@@ -147,6 +164,7 @@ void TframeAccount::setAccount(const TAccount& a) {
   ui_->edtProxyLogin->setText(q(a.ProxyLogin));
   ui_->edtProxyPassword->setText(q(a.ProxyPassword));
   ui_->spnProxyPort->setValue(a.ProxyPort);
+  ui_->edtPHPSecret->setText(q(a.PHPSecret));
   choose(ui_->cboClientCharset, a.ClientCharset);
   choose(ui_->cboFontCharset, a.FontCharset);
   choose(ui_->cboFontFormat, a.FontFormat);

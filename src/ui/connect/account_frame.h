@@ -38,6 +38,8 @@ class TframeAccount : public QWidget {
 
  private:
   void browseFor(QLineEdit* edit);
+  // Asks where, and writes the tunnel script there with the page's secret set.
+  void saveTunnelScript();
 
   // Lists the keys and chooses `chosen` when the store holds it.
   void fillKeyList(const QString& chosen);

@@ -2,7 +2,6 @@
 
 #include <QMessageBox>
 
-#include "engine/connect/accounts.h"
 #include "engine/connect/server_error.h"
 
 namespace lomarin::ui {
@@ -26,16 +25,6 @@ void showConnectInformation(QWidget* parent, const QString& text) {
 void showConnectError(QWidget* parent, const ServerError& error) {
   showConnectMessage(parent,
                      QString::number(error.number()) + "\n" + QString::fromStdString(error.message()));
-}
-
-bool refuseUnavailableTunnel(QWidget* parent, const TAccount& account) {
-  if (account.UsePHP) {
-    showConnectMessage(parent,
-                       QObject::tr("Connecting through the PHP tunnel is not available yet. "
-                                   "Clear \"Connect through the PHP tunneling\" to connect directly."));
-    return true;
-  }
-  return false;
 }
 
 }  // namespace lomarin::ui

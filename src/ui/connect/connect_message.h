@@ -6,7 +6,6 @@ class QWidget;
 
 namespace lomarin {
 class ServerError;
-struct TAccount;
 }  // namespace lomarin
 
 namespace lomarin::ui {
@@ -17,8 +16,5 @@ void showConnectMessage(QWidget* parent, const QString& text);
 void showConnectInformation(QWidget* parent, const QString& text);
 // The server's error number, a line feed and its message.
 void showConnectError(QWidget* parent, const ServerError& error);
-
-// Says so and returns true when the account asks for a tunnel this build cannot open.
-bool refuseUnavailableTunnel(QWidget* parent, const TAccount& account);
 
 }  // namespace lomarin::ui

@@ -58,7 +58,6 @@ void TformAccount::btnOkClick() {
 // Connects a session of its own with the fields as they stand and closes it again.
 void TformAccount::btnTestClick() {
   const TAccount account = ui_->frmAccount->account();
-  if (refuseUnavailableTunnel(this, account)) return;
   TMyConnection probe;
   TSshTunnel tunnel;
   applyAccountToSession(account, probe.Settings);

@@ -157,7 +157,6 @@ void TformConnect::btnDeleteClick() {
 
 void TformConnect::btnOkClick() {
   const TAccount account = ui_->frmAccount->account();
-  if (refuseUnavailableTunnel(this, account)) return;
   const QString filter = q(applyAccountToSession(account, session_.Settings));
   session_.Settings.AutoCommit = settings_.read(opt::AutoCommit);
   emit aboutToConnect(filter);

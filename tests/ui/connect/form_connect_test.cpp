@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -20,6 +21,7 @@
 #include "modal_helper.h"
 #include "test_server.h"
 #include "test_ssh_server.h"
+#include "test_web_server.h"
 #include "ui/connect/account_frame.h"
 #include "ui/connect/connect_memory.h"
 #include "ui/connect/connect_message.h"
@@ -72,14 +74,39 @@ class FormConnectTest : public QObject {
 
   void namedWidgetsAndLists() {
     ui::TformConnect form(*settings_, session_, tunnel_);
-    for (const char* name : {"lvAccounts",      "btnAdd",         "btnEdit",      "btnDelete",
-                             "btnOk",           "btnCancel",      "edtLogin",     "edtPassword",
-                             "cboServer",       "cboDatabase",    "spnPort",      "chkShowAllDatabases",
-                             "chkDirect",       "chkSSH",         "edtSSHServer", "spnSSHPort",
-                             "cboSSHKey",       "chkPHP",         "edtPHPUrl",    "edtProxyHost",
-                             "spnProxyPort",    "chkSSL",         "edtCACert",    "edtCert",
-                             "edtCipherList",   "edtClientKey",   "spnTimeout",   "cboFontFormat",
-                             "cboFontEncoding", "chkCompression", "chkUnicode"})
+    for (const char* name : {"lvAccounts",
+                             "btnAdd",
+                             "btnEdit",
+                             "btnDelete",
+                             "btnOk",
+                             "btnCancel",
+                             "edtLogin",
+                             "edtPassword",
+                             "cboServer",
+                             "cboDatabase",
+                             "spnPort",
+                             "chkShowAllDatabases",
+                             "chkDirect",
+                             "chkSSH",
+                             "edtSSHServer",
+                             "spnSSHPort",
+                             "cboSSHKey",
+                             "chkPHP",
+                             "edtPHPUrl",
+                             "edtProxyHost",
+                             "spnProxyPort",
+                             "edtPHPSecret",
+                             "btnSaveTunnelScript",
+                             "chkSSL",
+                             "edtCACert",
+                             "edtCert",
+                             "edtCipherList",
+                             "edtClientKey",
+                             "spnTimeout",
+                             "cboFontFormat",
+                             "cboFontEncoding",
+                             "chkCompression",
+                             "chkUnicode"})
       QVERIFY2(form.findChild<QWidget*>(name), name);
     QCOMPARE(child<QLabel>(&form, "lblTitle")->text(), QString("Lomarin for MySQL 6.0"));
     QCOMPARE(child<QPushButton>(&form, "btnOk")->text(), QString("&Ok"));
@@ -388,18 +415,57 @@ class FormConnectTest : public QObject {
     QVERIFY(form.isVisible());
   }
 
-  void phpTunnelIsRefusedPlainly() {
+  // A refused secret is named and keeps the dialog with its input; the right one connects.
+  void phpTunnelPageConnectsThroughTheScript() {
+    const test::TunnelWebServer web;
     ui::TformConnect form(*settings_, session_, tunnel_);
     form.show();
+    child<ui::TframeAccount>(&form, "frmAccount")->setAccount(sandboxAccount());
+    child<QTabWidget>(&form, "pgcConnection")->setCurrentWidget(child<QWidget>(&form, "tabPHP"));
     child<QCheckBox>(&form, "chkPHP")->setChecked(true);
+    child<QLineEdit>(&form, "edtPHPUrl")->setText(QString::fromStdString(web.url()));
+    auto* secret = child<QLineEdit>(&form, "edtPHPSecret");
+    QVERIFY(secret->echoMode() == QLineEdit::Password);
+    secret->setText("guess");
+    test::renderPng(&form, "connect_php_page");
     QString shown;
     whenModal(ui::kConnectMessageName, [&](QWidget* box) {
       shown = static_cast<QMessageBox*>(box)->text();
       static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
     });
     child<QPushButton>(&form, "btnOk")->click();
-    QVERIFY2(shown.contains("PHP tunnel") && shown.contains("not available yet"), qPrintable(shown));
+    QVERIFY2(shown.endsWith("\nThe HTTP tunnel failed: the tunnel script at " +
+                            QString::fromStdString(web.url()) + " refused the secret (403 Forbidden)"),
+             qPrintable(shown));
     QVERIFY(form.isVisible());
+    QVERIFY(!session_.Connected());
+    QCOMPARE(secret->text(), QString("guess"));
+
+    secret->setText(QString::fromUtf8(test::kTunnelSecret));
+    child<QPushButton>(&form, "btnOk")->click();
+    QCOMPARE(form.result(), int(QDialog::Accepted));
+    QVERIFY(session_.Connected());
+    QCOMPARE(test::scalar(session_, "SELECT @@port"), std::to_string(test::serverSettings().Port));
+    session_.Disconnect();
+  }
+
+  void savedTunnelScriptCarriesThePagesSecret() {
+    ui::TformConnect form(*settings_, session_, tunnel_);
+    form.show();
+    child<QLineEdit>(&form, "edtPHPSecret")->setText("it's mine");
+    const QString file = dir_->filePath("tunnel.php");
+    QTimer::singleShot(0, [file] {
+      QFileDialog* dialog = nullptr;
+      QTRY_VERIFY((dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())));
+      dialog->selectFile(file);
+      QMetaObject::invokeMethod(dialog, &QDialog::accept);
+    });
+    child<QPushButton>(&form, "btnSaveTunnelScript")->click();
+    QFile saved(file);
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    const QByteArray script = saved.readAll();
+    QVERIFY(script.startsWith("<?php"));
+    QVERIFY(script.contains("\n$secret = 'it\\'s mine';\n"));
   }
 
   void connectMemoryKeepsTheRestOfTheLayoutFile() {

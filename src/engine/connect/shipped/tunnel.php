@@ -9,9 +9,10 @@
  *   1. Set $secret below to a long random text, and type the same text as "Secret" on the PHP
  *      tunnel page of the account in Lomarin. Until $secret is set, every request is refused.
  *   2. Optionally list the MySQL servers the script may reach in $allowed_hosts.
- *   3. Put this file on a PHP 7.4 or later web server (no extension needed) that runs several
- *      requests at a time (each open connection keeps one request running), preferably under
- *      HTTPS, and enter its address as "PHP url" in the account.
+ *   3. Put this file on a Unix-like web server with PHP 7.4 or later (no extension needed) that
+ *      runs several requests at a time (each open connection keeps one request running),
+ *      preferably under HTTPS, and enter its address as "PHP url" in the account. The
+ *      "Save tunnel script..." button of that page saves a copy with the secret already set.
  *
  * Protocol (version 1). Every request carries the secret in the header "X-Tunnel-Secret"; a
  * request without the right secret gets 403 and an empty body, and nothing else happens.
