@@ -52,11 +52,11 @@ class TCmpObjSetType {
   uint32_t bits_ = 0;
 };
 
-enum class TCompareRoleType { crUnknownRole, crMasterRole, crTargetRole };
 enum class TExtractFromType { efUnknown, efDatabase, efScript };
 enum class TDatabaseType { dbMySQL };
 
 struct TMySQLServerOptions {
+  // Below 5 the server has no views, routines or triggers: those kinds are not compared.
   int SQLServerVersion = 5;
   // "default" (or empty) writes no SET CHARACTER SET.
   std::string CharSet = "default";

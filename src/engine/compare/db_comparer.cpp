@@ -30,7 +30,7 @@ void TDBComparer::extract(TMySQLScriptExtract& extractor, TDBStructure& into,
   extractor.OnProgressUpdate = [this, progressFrom](int percent) {
     if (OnProgressUpdate) OnProgressUpdate(progressFrom + percent * 45 / 100);
   };
-  extractor.StopRequested = [this] { return stop_.load(); };
+  extractor.StopRequested = [this] { return stop_.requested.load(); };
   try {
     extractor.Extract(into);
   } catch (const std::exception& e) {
@@ -45,7 +45,7 @@ void TDBComparer::CompareDatabases() {
   requireProperty(ExtractorMaster, "ExtractorMaster");
   requireProperty(DBStructureTarget, "DBStructureTarget");
   requireProperty(ExtractorTarget, "ExtractorTarget");
-  stop_ = false;
+  TStopFlag::RunScope run{stop_};
   extract(*ExtractorMaster, *DBStructureMaster, OnBeforeExtract, OnAfterExtract, 0);
   extract(*ExtractorTarget, *DBStructureTarget, OnBeforeExtractTarget, OnAfterExtractTarget, 45);
   CompareStructures();
@@ -57,6 +57,10 @@ void TDBComparer::CompareStructures() {
   if (OnLogNextLine) OnLogNextLine("Comparing databases...");
   TSyncScriptSettings settings;
   settings.Objects = CompareObjects;
+  if (MySQLServerOptions.SQLServerVersion < 5)
+    for (auto kind :
+         {TCmpObjType::coView, TCmpObjType::coProcedure, TCmpObjType::coFunction, TCmpObjType::coTrigger})
+      settings.Objects.remove(kind);
   settings.CaseSensitive = MySQLCompareOptions.CaseSensitiveIdentifiers;
   settings.Server = MySQLServerOptions;
   settings.ShowFullLog = ShowFullLog;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -9,6 +8,7 @@
 #include "engine/compare/db_structure.h"
 #include "engine/compare/my_sql_exec.h"
 #include "engine/compare/mysql_script_extract.h"
+#include "engine/compare/stop_flag.h"
 
 namespace lomarin {
 
@@ -54,7 +54,7 @@ class TDBComparer {
 
   TMySQLExec& Exec();
   // Any thread: the extraction stops between statements.
-  void Stop() { stop_ = true; }
+  void Stop() { stop_.requested = true; }
 
  private:
   void requireProperty(const void* value, const char* name) const;
@@ -64,7 +64,7 @@ class TDBComparer {
   std::string script_;
   int statements_ = 0;
   std::unique_ptr<TMySQLExec> ownExec_;
-  std::atomic<bool> stop_ = false;
+  TStopFlag stop_;
 };
 
 }  // namespace lomarin

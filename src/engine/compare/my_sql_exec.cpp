@@ -38,7 +38,7 @@ void TMySQLExec::logSkipped(const std::string& statement) const {
 TMySQLExec::Result TMySQLExec::ExecuteScript(const std::string& script) {
   if (!Connection) throw CompareError("(" + Name + "): Connection property not assigned.");
   if (!hasStatement(script)) throw CompareError("Update script is empty.");
-  stop_ = false;
+  TStopFlag::RunScope run{stop_};
   log("Updating target database...");
 
   Result result;
@@ -48,7 +48,7 @@ TMySQLExec::Result TMySQLExec::ExecuteScript(const std::string& script) {
   TStatementSplitter splitter(in);
   std::string statement;
   while (splitter.next(statement)) {
-    if (stop_) {
+    if (stop_.requested) {
       result.Stopped = true;
       return result;
     }

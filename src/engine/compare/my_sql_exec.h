@@ -1,9 +1,9 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <string>
 
+#include "engine/compare/stop_flag.h"
 #include "engine/connect/my_connection.h"
 
 namespace lomarin {
@@ -32,14 +32,14 @@ class TMySQLExec {
   // Throws CompareError without a connection or with a script of nothing but blanks and comments.
   Result ExecuteScript(const std::string& script);
 
-  // Any thread: no further statement starts.
-  void Stop() { stop_ = true; }
+  // Any thread: no further statement starts, also when called just before the run begins.
+  void Stop() { stop_.requested = true; }
 
  private:
   void log(const std::string& line) const;
   void logSkipped(const std::string& statement) const;
 
-  std::atomic<bool> stop_ = false;
+  TStopFlag stop_;
 };
 
 }  // namespace lomarin

@@ -48,7 +48,7 @@ void TMySQLScriptExtract::dumpDatabase() {
   try {
     dump.Backup();
   } catch (const DumpError& e) {
-    throw CompareError(e.what());
+    throw CompareError(StopRequested && StopRequested() ? "Stopped by the user" : e.what());
   }
   Script = dump.Text();
 }

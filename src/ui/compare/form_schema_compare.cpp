@@ -107,7 +107,10 @@ TformSchemaCompare::TformSchemaCompare(TMyConnection& session, QWidget* parent)
   connect(w_->back, &QPushButton::clicked, this, &TformSchemaCompare::btnBackClick);
   connect(w_->next, &QPushButton::clicked, this, &TformSchemaCompare::btnNextClick);
   connect(w_->finish, &QPushButton::clicked, this, &TformSchemaCompare::btnFinishClick);
-  connect(w_->stop, &QPushButton::clicked, worker_, &TBackgroundJob::stop);
+  connect(w_->stop, &QPushButton::clicked, this, [this] {
+    stopRequested_ = true;
+    worker_->stop();
+  });
   connect(w_->cancel, &QPushButton::clicked, this, &TformSchemaCompare::reject);
   connect(worker_, &TBackgroundJob::logLine, this, &TformSchemaCompare::appendLog);
   connect(worker_, &TBackgroundJob::progress, w_->progress, &QProgressBar::setValue);
@@ -430,6 +433,7 @@ TSchemaCompareSettings TformSchemaCompare::settings() const {
 
 void TformSchemaCompare::startCompare() {
   w_->progress->setValue(0);
+  stopRequested_ = false;
   const auto s = settings();
   worker_->start(
       [this, s](const TBackgroundJob::Reporter& report) {
@@ -446,7 +450,11 @@ void TformSchemaCompare::startCompare() {
 void TformSchemaCompare::compareFinished(const QString& error) {
   if (!error.isEmpty()) {
     goTo(pgOptions);
-    showError(error);
+    // Stop was asked for: the log says so, no message box.
+    if (stopRequested_)
+      appendLog(error);
+    else
+      showError(error);
     return;
   }
   w_->sourceScript->setPlainText(QString::fromStdString(job_.SourceScript()));
@@ -502,6 +510,7 @@ void TformSchemaCompare::showError(const QString& message) {
 
 void TformSchemaCompare::closeEvent(QCloseEvent* event) {
   if (worker_->running()) {
+    stopRequested_ = true;
     worker_->stop();
     event->ignore();
     return;
@@ -511,6 +520,7 @@ void TformSchemaCompare::closeEvent(QCloseEvent* event) {
 
 void TformSchemaCompare::reject() {
   if (worker_->running()) {
+    stopRequested_ = true;
     worker_->stop();
     return;
   }

@@ -77,6 +77,7 @@ class TformSchemaCompare : public QDialog {
   TSchemaCompareJob job_;
   TBackgroundJob* worker_;
   QStringList log_;
+  bool stopRequested_ = false;
 };
 
 // The character sets the options page offers, "default" first.

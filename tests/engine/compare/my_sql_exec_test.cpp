@@ -108,6 +108,10 @@ TEST_F(MySQLExecTest, StopEndsTheRunBeforeTheNextStatement) {
   run.exec.OnProgress = nullptr;
   EXPECT_FALSE(run.exec.ExecuteScript("CREATE TABLE c (id INT);").Stopped);
   EXPECT_EQ("a,c", tables());
+  // A Stop that comes before the run begins (from another thread) is not lost.
+  run.exec.Stop();
+  EXPECT_TRUE(run.exec.ExecuteScript("CREATE TABLE d (id INT);").Stopped);
+  EXPECT_EQ("a,c", tables());
 }
 
 }  // namespace

@@ -82,6 +82,17 @@ TEST(ScriptCompare, SectionsFollowTheChosenKindsAndEventsAlwaysCome) {
       tablesOnly.run());
 }
 
+TEST(ScriptCompare, ServersBeforeVersion5HaveNoViewsOrCode) {
+  const std::string views = "CREATE VIEW v AS SELECT 1 AS a;\nCREATE PROCEDURE p() SELECT 1;\n";
+  ScriptCompare version5(views, "");
+  version5.comparer.CompareObjects = {coView, coProcedure};
+  EXPECT_EQ(2, (version5.run(), version5.comparer.StatementCount()));
+  ScriptCompare version4(views, "");
+  version4.comparer.CompareObjects = {coView, coProcedure};
+  version4.comparer.MySQLServerOptions.SQLServerVersion = 4;
+  EXPECT_EQ("/* Create event... */\r\n/* Alter event... */\r\n/* Drop event... */\r\n", version4.run());
+}
+
 TEST(ScriptCompare, LetterCaseOfTableNamesCountsOnlyWhenCaseSensitive) {
   const std::string lower =
       "CREATE TABLE `orders` (`id` int(11) NOT NULL, PRIMARY KEY (`id`)) ENGINE=InnoDB;\n";

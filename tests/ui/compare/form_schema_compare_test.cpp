@@ -161,6 +161,30 @@ class FormSchemaCompareTest : public QObject {
     QCOMPARE(QGuiApplication::clipboard()->text(), expected);
   }
 
+  void stopEndsTheComparisonAndKeepsTheOptions() {
+    QTemporaryDir dir;
+    const QString file = dir.filePath("target.sql");
+    std::ofstream(file.toStdString()) << "CREATE TABLE t (id INT);\n";
+    TformSchemaCompare wizard(session);
+    wizard.show();
+    child<QRadioButton>(&wizard, "rbOnline2Offline")->setChecked(true);
+    auto* next = child<QPushButton>(&wizard, "btnNext");
+    next->click();
+    child<QComboBox>(&wizard, "cobSourceDb")->setCurrentText("lomarin_demo");
+    child<QLineEdit>(&wizard, "edtTargetFile")->setText(file);
+    next->click();
+    next->click();
+    QVERIFY(wizard.running());
+    auto* stop = child<QPushButton>(&wizard, "btnStop");
+    QVERIFY(stop->isEnabled());
+    QVERIFY(!next->isEnabled());
+    stop->click();
+    QTRY_VERIFY(!wizard.running());
+    QCOMPARE(wizard.currentPage(), int(TformSchemaCompare::pgOptions));
+    QCOMPARE(wizard.log().last(), QString("Stopped by the user"));
+    QVERIFY(next->isEnabled());
+  }
+
   void mainWindowActionOpensTheWizard() {
     lomarin::test::FreshSettings fresh;
     lomarin::ui::Tformppal window(*fresh.store);
