@@ -49,3 +49,39 @@ SELECT i, CONCAT('customer ', i), (i % 100000) / 100, '2024-01-01' + INTERVAL (i
 FROM n;
 SQL
 }
+
+# DB with TABLES sysbench-like tables sbtest1.. of ROWS rows each; made once.
+ensure_sbtest() {
+  local db=$1 tables=$2 rows=$3 have t
+  have=$(sql -N -e "SELECT COUNT(*) FROM information_schema.TABLES WHERE TABLE_SCHEMA = '$db'" 2>/dev/null || echo 0)
+  if [[ $have == "$tables" ]] && [[ $(sql -N -e "SELECT COUNT(*) FROM $db.sbtest$tables") == "$rows" ]]; then
+    return
+  fi
+  echo "creating $db: $tables tables of $rows rows..."
+  sql -e "DROP DATABASE IF EXISTS $db; CREATE DATABASE $db"
+  for ((t = 1; t <= tables; t++)); do
+    sql "$db" <<SQL
+CREATE TABLE sbtest$t (
+  id INT NOT NULL AUTO_INCREMENT,
+  k INT NOT NULL DEFAULT 0,
+  c CHAR(120) NOT NULL DEFAULT '',
+  pad CHAR(60) NOT NULL DEFAULT '',
+  PRIMARY KEY (id),
+  KEY k_$t (k)
+) ENGINE=InnoDB;
+SET SESSION max_recursive_iterations = $rows;
+INSERT INTO sbtest$t (id, k, c, pad)
+WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < $rows)
+SELECT i, FLOOR(RAND() * $rows),
+       CONCAT_WS('-', LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0')),
+       CONCAT_WS('-', LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'), LPAD(FLOOR(RAND() * 1e11), 11, '0'),
+                 LPAD(FLOOR(RAND() * 1e11), 11, '0'))
+FROM n;
+SQL
+  done
+}

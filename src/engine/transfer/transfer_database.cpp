@@ -47,6 +47,9 @@ TTransferDatabase::TTransferDatabase(TMyConnection& source, TMyConnection& targe
   Dump.Options.GenerateHeader = false;
   Dump.Options.DisableKeys = true;
   Dump.Options.UseExtSyntax = false;
+  // The rows go in one transaction per batch: a commit per row-statement would make the target
+  // write (and, by its default, flush) its log once for every row.
+  Dump.Options.CommitBatchSize = 5000;
   Dump.Objects = TMyDumpObjects(TMyDumpObject::doTables) | TMyDumpObject::doData | TMyDumpObject::doViews;
   Dump.OnBackupProgress = [this](const std::string& object, int, int, int percent) {
     if (OnProgress) OnProgress(object, percent);

@@ -29,7 +29,6 @@ THexEditor::THexEditor(QWidget* parent) : QAbstractScrollArea(parent) {
 void THexEditor::setBytes(const QByteArray& bytes) {
   bytes_ = bytes;
   cursor_ = 0;
-  modified_ = false;
   verticalScrollBar()->setValue(0);
   updateScrollBar();
   viewport()->update();
@@ -124,8 +123,6 @@ void THexEditor::keyPressEvent(QKeyEvent* event) {
   const qint64 byte = cursor_ / 2;
   const auto old = static_cast<unsigned char>(bytes_[byte]);
   bytes_[byte] = static_cast<char>(cursor_ % 2 == 0 ? (digit << 4) | (old & 0x0F) : (old & 0xF0) | digit);
-  modified_ = true;
-  emit bytesEdited();
   moveCursor(cursor_ + 1);
 }
 

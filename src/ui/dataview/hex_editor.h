@@ -14,13 +14,8 @@ class THexEditor : public QAbstractScrollArea {
 
   void setBytes(const QByteArray& bytes);
   const QByteArray& bytes() const { return bytes_; }
-  bool isModified() const { return modified_; }
-  // Byte under the cursor and whether the next digit is its low half.
-  qint64 cursorByte() const { return cursor_ / 2; }
+  // Puts the cursor on the byte's high digit, scrolling it into view.
   void setCursorByte(qint64 byte);
-
- signals:
-  void bytesEdited();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -39,7 +34,6 @@ class THexEditor : public QAbstractScrollArea {
 
   QByteArray bytes_;
   qint64 cursor_ = 0;  // in half bytes
-  bool modified_ = false;
 };
 
 }  // namespace lomarin::ui

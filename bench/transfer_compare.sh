@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Transfers 8 sysbench-like tables of 125 000 rows each to another database with the transfer
+# engine (bench/transfer_bench.cpp) and with `mariadb-dump | mariadb`, on the same sandbox server in
+# the same run; prints wall time (median of RUNS) and peak memory of each, and checks that every
+# table's checksum in our copy equals the source's.
+#   bench/transfer_compare.sh [--dir SANDBOX_DIR] [--build BUILD_DIR] [RUNS]
+# shellcheck source=bench/common.sh
+source "$(dirname "$0")/common.sh"
+runs=${1:-3}
+bench_bin=$build/bench/transfer_bench
+[[ -x $bench_bin ]] || { echo "build first: cmake --build $build --target transfer_bench" >&2; exit 1; }
+
+db=lomarin_sbtest
+tables=8
+rows=125000
+ensure_sbtest "$db" "$tables" "$rows"
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fresh() { sql -e "DROP DATABASE IF EXISTS $1; CREATE DATABASE $1"; }
+measure() {  # prints "seconds kilobytes" of one run
+  /usr/bin/time -f "%e %M" -o "$work/time" "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+  cat "$work/time"
+}
+median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}'; }
+# The peer tools piped, as one process tree so time sees both: SOURCE TARGET CONNECTION-OPTIONS...
+# shellcheck disable=SC2016 # expanded by the inner shell
+pipe_copy=(bash -c 'from=$1 to=$2; shift 2; mariadb-dump --no-defaults "$@" "$from" | mariadb --no-defaults "$@" "$to"' _)
+
+declare -a ours theirs ours_mem theirs_mem
+for ((i = 0; i < runs; i++)); do
+  fresh "${db}_copy"
+  read -r t m < <(measure "$bench_bin" "$LOMARIN_TEST_HOST" "$LOMARIN_TEST_PORT" "$LOMARIN_TEST_USER" \
+    "$LOMARIN_TEST_PASSWORD" "$db" "${db}_copy")
+  ours+=("$t"); ours_mem+=("$m")
+  fresh "${db}_pipe"
+  read -r t m < <(measure "${pipe_copy[@]}" "$db" "${db}_pipe" "${conn[@]}"); theirs+=("$t"); theirs_mem+=("$m")
+done
+
+t_ours=$(printf '%s\n' "${ours[@]}" | median)
+t_theirs=$(printf '%s\n' "${theirs[@]}" | median)
+m_ours=$(printf '%s\n' "${ours_mem[@]}" | sort -n | tail -1)
+m_theirs=$(printf '%s\n' "${theirs_mem[@]}" | sort -n | tail -1)
+echo "transfer engine        : ${t_ours} s (median of $runs), peak ${m_ours} KiB"
+echo "mariadb-dump | mariadb : ${t_theirs} s (median of $runs), peak ${m_theirs} KiB (largest of the two)"
+awk -v a="$t_ours" -v b="$t_theirs" 'BEGIN {printf "wall-time ratio        : %.3f\n", a / b}'
+
+list=$(for ((t = 1; t <= tables; t++)); do printf 'sbtest%d,' "$t"; done)
+sums() { sql -N -e "CHECKSUM TABLE ${list%,}" "$1" | awk '{print $2}'; }
+if [[ $(sums "$db") == "$(sums "${db}_copy")" ]]; then
+  echo "copied checksums       : equal ($tables tables)"
+else
+  echo "copied checksums differ" >&2
+  exit 1
+fi
+sql -e "DROP DATABASE ${db}_copy; DROP DATABASE ${db}_pipe"
