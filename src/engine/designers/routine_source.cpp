@@ -46,6 +46,10 @@ std::string RoutineLoadSql(TRoutineKind kind, std::string_view database, std::st
 
 int RoutineSourceColumn(TRoutineKind kind) { return kind == TRoutineKind::Event ? 3 : 2; }
 
+std::string RoutineScript(std::string_view createText) {
+  return "DELIMITER $$\n\n" + std::string(createText) + "$$\n\nDELIMITER ;\n";
+}
+
 std::string DumpTriggerSource(TMyConnection& session, std::string_view database, std::string_view name) {
   TMyDump dump(&session);
   dump.Database = database;

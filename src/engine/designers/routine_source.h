@@ -16,6 +16,9 @@ TRoutineKind RoutineKindOf(std::string_view kind);
 // result that holds the text; empty for the other kinds (a trigger comes from the dump engine).
 std::string RoutineLoadSql(TRoutineKind kind, std::string_view database, std::string_view name);
 int RoutineSourceColumn(TRoutineKind kind);
+// A loaded CREATE text as the editor shows it: between DELIMITER lines, so that compiling it as a
+// script sends a compound body whole.
+std::string RoutineScript(std::string_view createText);
 // A trigger's CREATE TRIGGER text as the dump engine writes it, without the script header and
 // the drop before it. Throws ServerError or DumpError.
 std::string DumpTriggerSource(TMyConnection& session, std::string_view database, std::string_view name);

@@ -30,6 +30,8 @@ TEST(RoutineSource, KindsLoadStatementsAndTheColumnHoldingTheText) {
   EXPECT_EQ(RoutineLoadSql(TRoutineKind::Trigger, "shop", "t"), "");
   EXPECT_EQ(RoutineSourceColumn(TRoutineKind::Procedure), 2);
   EXPECT_EQ(RoutineSourceColumn(TRoutineKind::Event), 3);
+  EXPECT_EQ(RoutineScript("CREATE PROCEDURE p() BEGIN SELECT 1; END"),
+            "DELIMITER $$\n\nCREATE PROCEDURE p() BEGIN SELECT 1; END$$\n\nDELIMITER ;\n");
 }
 
 TEST(RoutineSource, NameAndKindComeFromTheTextWithQuotesBlanked) {

@@ -4,7 +4,10 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -17,6 +20,7 @@
 #include "ui/designers/designers_commands.h"
 #include "ui/designers/form_event_manager.h"
 #include "ui/designers/form_new_view.h"
+#include "ui/designers/form_procedure_builder.h"
 #include "ui/designers/form_trg_mgr.h"
 #include "ui/designers/form_udf.h"
 #include "ui/sqleditor/frame_ec_sql.h"
@@ -28,6 +32,7 @@ using lomarin::test::child;
 using lomarin::test::DesignersFixture;
 using lomarin::ui::TformNewView;
 using lomarin::ui::Tformppal;
+using lomarin::ui::TformProcedureBuilder;
 using lomarin::ui::TformTrgMgr;
 using lomarin::ui::TformUDF;
 using lomarin::ui::TfrmEventManager;
@@ -121,6 +126,31 @@ class ProgramCommandsTest : public QObject {
     lomarin::test::onNextModal<TformUDF>(
         [](TformUDF* dialog) { QVERIFY(dialog->state().ReplacedName.empty()); });
     window.actions().action("actNewUdf")->trigger();
+  }
+
+  void routineDocumentsOpenFromTheCommandsAndTheTree() {
+    DesignersFixture f({"CREATE PROCEDURE listed(IN a INT) SELECT a"});
+    ConnectedWindow c;
+    Tformppal& window = c.window;
+    auto active = [&window] {
+      const QList<QMdiSubWindow*> documents = window.mdiArea()->subWindowList();
+      return documents.isEmpty() ? nullptr : qobject_cast<TformProcedureBuilder*>(documents.last()->widget());
+    };
+    window.actions().action("actNewProc")->trigger();
+    QVERIFY(active());
+    QVERIFY(active()->frame()->memo()->text().contains("CREATE PROCEDURE new_procedure "));
+    window.actions().action("actNewFunction")->trigger();
+    QVERIFY(active()->frame()->memo()->text().contains("CREATE FUNCTION new_function "));
+    window.actions().action("actProcBuilder")->trigger();
+    QCOMPARE(active()->frame()->memo()->text(), QString());
+    QCOMPARE(active()->windowTitle(), QString("Procedure Builder"));
+
+    QTreeWidgetItem* listed = childNamed(folder(window, "Procedures"), "listed");
+    QVERIFY(listed);
+    emit window.explorer()->tree()->itemDoubleClicked(listed, 0);
+    QCOMPARE(active()->routineName(), std::string("listed"));
+    QCOMPARE(active()->parameters()->rowCount(), 1);
+    window.mdiArea()->closeAllSubWindows();
   }
 };
 
