@@ -4,6 +4,7 @@
 
 #include "engine/compare/blob_file.h"
 #include "engine/compare/compare_error.h"
+#include "engine/compare/my_sql_exec.h"
 #include "engine/compare/sync_merge.h"
 #include "engine/compare/sync_script_output.h"
 #include "engine/connect/my_query.h"
@@ -133,7 +134,11 @@ void TTableDataComparer::run(Run& r) {
   options.TrimCharFields = TrimCharFields;
   options.RewriteKeySpelling = CaseSensitive;
   TSyncMerge merge(plan, options, TSyncValueWriter{*r.target, blobFile}, counters_, stop_);
-  merge.OnStatement = [&](const std::string& statement) { output.write(statement + "\r\n"); };
+  std::string statements;
+  merge.OnStatement = [&](const std::string& statement) {
+    output.write(statement + "\r\n");
+    if (UpdateImmediately) statements += statement + "\r\n";
+  };
   if (OnProgress)
     merge.OnProgress = [&] {
       OnProgress(counters_.ReadMaster, masterTotal, counters_.ReadTarget, targetTotal);
@@ -145,6 +150,14 @@ void TTableDataComparer::run(Run& r) {
   log("All: " + std::to_string(counters_.All()) + ", Deleted: " + std::to_string(counters_.Deleted) +
       ", Updated: " + std::to_string(counters_.Updated) + ", Inserted: " +
       std::to_string(counters_.Inserted) + ", Equal: " + std::to_string(counters_.Equal) + ".");
+  if (UpdateImmediately && !statements.empty()) {
+    if (blobFile) statements.insert(0, ScriptHeader({{}, {}, {}, blobFile->path()}));
+    TMySQLExec own;
+    TMySQLExec& exec = SQLExec ? *SQLExec : own;
+    exec.Connection = r.target;
+    if (!SQLExec) exec.OnLogNextLine = OnLogNextLine;
+    counters_.Errors += static_cast<uint64_t>(exec.ExecuteScript(statements).Errors);
+  }
 }
 
 }  // namespace lomarin

@@ -14,6 +14,7 @@
 namespace lomarin {
 
 class TBlobFileWriter;
+class TMySQLExec;
 
 struct TAllowedOperations {
   bool Insert = true;
@@ -66,6 +67,10 @@ class TTableDataComparer {
   std::string BlobFileName;
   TBlobFileWriter* BlobFile = nullptr;
   bool HexBlobs = false;
+
+  // Runs the pair's statements on the target once it is compared, through SQLExec when given.
+  bool UpdateImmediately = false;
+  TMySQLExec* SQLExec = nullptr;
 
   bool CompareBlobs = true;
   bool IncludeBlobs = true;

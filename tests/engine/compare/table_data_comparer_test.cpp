@@ -104,6 +104,12 @@ TEST_F(DataSyncTest, OnlyTheDataFieldsDecideAndOnlyChangedFieldsAreSet) {
 
   comparer.AllowedOperations.Update = false;
   EXPECT_EQ("", sync("p"));
+
+  comparer.AllowedOperations.Update = true;
+  comparer.UpdateImmediately = true;
+  sync("p");
+  EXPECT_NE(std::find(log.begin(), log.end(), "< Script executed succesfully! >"), log.end());
+  EXPECT_EQ("1,x|2,y|3,z", test::scalar(*target, "SELECT GROUP_CONCAT(a, ',', b SEPARATOR '|') FROM p"));
 }
 
 TEST_F(DataSyncTest, NullKeysMatchWithIsNull) {
