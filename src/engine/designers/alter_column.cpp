@@ -10,20 +10,20 @@ namespace lomarin::designers {
 
 namespace {
 
-std::string quotedList(const std::string& values) {
+std::string quotedList(const std::string& values, const explorer::ValueEscaper& escape) {
   std::string list;
   size_t start = 0;
   while (true) {
     const size_t comma = values.find(',', start);
     if (!list.empty()) list += ",";
-    list += "'" + values.substr(start, comma - start) + "'";
+    list += QuotedLiteral(values.substr(start, comma - start), escape);
     if (comma == std::string::npos) return list;
     start = comma + 1;
   }
 }
 
-std::string typeText(const TAlterColumnState& state) {
-  if (IsEnumOrSet(state.DataType)) return state.DataType + "(" + quotedList(state.Values) + ")";
+std::string typeText(const TAlterColumnState& state, const explorer::ValueEscaper& escape) {
+  if (IsEnumOrSet(state.DataType)) return state.DataType + "(" + quotedList(state.Values, escape) + ")";
   if (!state.Length.empty()) return state.DataType + "(" + state.Length + ")";
   return state.DataType;
 }
@@ -33,16 +33,17 @@ std::string unsignedText(const TAlterColumnState& state) {
   return state.Unsigned ? " UNSIGNED " : " ";
 }
 
-std::string defaultText(const TAlterColumnState& state) {
-  return state.Values.empty() ? "Default " + state.Default : "Default '" + state.Default + "'";
+std::string defaultText(const TAlterColumnState& state, const explorer::ValueEscaper& escape) {
+  return state.Values.empty() ? "Default " + state.Default
+                              : "Default " + QuotedLiteral(state.Default, escape);
 }
 
 // The placeholders every column template shares.
-std::vector<TSqlParam> columnParams(const TAlterColumnState& state) {
+std::vector<TSqlParam> columnParams(const TAlterColumnState& state, const explorer::ValueEscaper& escape) {
   return {{"table", state.Table},
-          {"type", typeText(state)},
+          {"type", typeText(state, escape)},
           {"unsigned", unsignedText(state)},
-          {"default", defaultText(state)},
+          {"default", defaultText(state, escape)},
           {"null", state.NotNull ? "Not Null" : ""},
           {"autoinc", state.AutoIncrement ? "AUTO_INCREMENT" : ""}};
 }
@@ -58,23 +59,24 @@ std::string ShowFieldsSql(const std::string& table) {
   return ReplaceSqlParam("show fields FROM &table", "table", table, "N");
 }
 
-std::string ShowFieldSql(const std::string& table, const std::string& field) {
-  return ReplaceSqlParams("show fields FROM &table like &field", {{"table", table}, {"field", field, true}});
+std::string ShowFieldSql(const std::string& table, const std::string& field, const explorer::ValueEscaper& escape) {
+  return ReplaceSqlParams("show fields FROM &table like &field",
+                          {{"table", table}, {"field", escape(field), true}});
 }
 
-std::string BuildAddColumnSql(const TAlterColumnState& state) {
+std::string BuildAddColumnSql(const TAlterColumnState& state, const explorer::ValueEscaper& escape) {
   const char* sqlTemplate =
       state.Default.empty()
           ? "Alter table &table Add &field &type &unsigned &null &autoinc After &after"
           : "Alter table &table Add &field &type &unsigned &default &null &autoinc After &after";
-  std::vector<TSqlParam> params = columnParams(state);
+  std::vector<TSqlParam> params = columnParams(state, escape);
   params.push_back({"field", state.Name});
   params.push_back({"after", state.After});
   return ReplaceSqlParams(sqlTemplate, params);
 }
 
-std::string BuildChangeColumnSql(const TAlterColumnState& state) {
-  std::vector<TSqlParam> params = columnParams(state);
+std::string BuildChangeColumnSql(const TAlterColumnState& state, const explorer::ValueEscaper& escape) {
+  std::vector<TSqlParam> params = columnParams(state, escape);
   params.push_back({"field", dataview::BackQuote(state.PresentName)});
   if (!state.Values.empty()) {
     // Enum and set items can be neither unsigned nor zerofill: the template's &unsigned stays empty

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "engine/designers/sql_param.h"
+
 namespace lomarin::designers {
 
 // The single-column dialog's fields. An empty PresentName means a new column is added.
@@ -24,10 +26,11 @@ struct TAlterColumnState {
 
 // The column list of the table, and one column of it.
 std::string ShowFieldsSql(const std::string& table);
-std::string ShowFieldSql(const std::string& table, const std::string& field);
+std::string ShowFieldSql(const std::string& table, const std::string& field, const explorer::ValueEscaper& escape);
 
-std::string BuildAddColumnSql(const TAlterColumnState& state);
-std::string BuildChangeColumnSql(const TAlterColumnState& state);
+// The enum or set items and their default are escaped by escape.
+std::string BuildAddColumnSql(const TAlterColumnState& state, const explorer::ValueEscaper& escape);
+std::string BuildChangeColumnSql(const TAlterColumnState& state, const explorer::ValueEscaper& escape);
 
 // One row of "show fields" as the dialog reads it in change mode.
 struct TShowFieldsRow {

@@ -19,13 +19,13 @@ std::string flag(bool checked) { return checked ? kYes : std::string(); }
 // Servers from 5.5 refuse the old table-type keyword; ENGINE means the same.
 std::string tableTypeKeyword(int versionNumber) { return versionNumber >= 55 ? " ENGINE = " : " TYPE = "; }
 
-std::string columnText(const TTableColumnRow& row) {
+std::string columnText(const TTableColumnRow& row, const explorer::ValueEscaper& escape) {
   std::string text = "\n" + row.Name + " " + row.DataType + row.ExtraValues;
   if (!row.Lenght.empty()) text += "(" + row.Lenght + ")";
   if (row.Unsigned == kYes && row.Zerofill.empty()) text += " UNSIGNED ";
   if (row.Zerofill == kYes) text += " UNSIGNED ZEROFILL ";
   if (row.Mandatory == kYes) text += " NOT NULL ";
-  if (!row.Default.empty()) text += " DEFAULT '" + row.Default + "'";
+  if (!row.Default.empty()) text += " DEFAULT " + QuotedLiteral(row.Default, escape);
   if (row.AutoIncrement == kYes) text += " AUTO_INCREMENT";
   return text + " , ";
 }
@@ -75,13 +75,14 @@ std::string BuildForeignKeyClause(const TForeignKeyChoice& choice) {
 
 bool PartitionsSupported(int versionNumber) { return versionNumber >= 51; }
 
-std::string BuildCreateTableSql(const TCreateTableState& state, int versionNumber) {
+std::string BuildCreateTableSql(const TCreateTableState& state, int versionNumber,
+                                const explorer::ValueEscaper& escape) {
   std::string sql = " CREATE TABLE " + state.Database + "." + state.Name + "( ";
   std::string primary, index, foreign;
   for (const TTableColumnRow& row : state.Rows) {
     if (row.Key == kYes) appendToList(primary, row.Name);
     if (row.Index == kYes && row.Key != kYes) appendToList(index, row.Name);
-    sql += columnText(row);
+    sql += columnText(row, escape);
     if (!row.ForeignKey.empty()) appendToList(foreign, row.ForeignKey);
   }
   const std::string type = tableTypeKeyword(versionNumber) + state.TableType;
@@ -97,7 +98,7 @@ std::string BuildCreateTableSql(const TCreateTableState& state, int versionNumbe
     sql += " PRIMARY KEY (" + primary + "),\n" + "INDEX(" + index + ") ," + foreign + " )" + type;
   }
   if (!state.RowFormat.empty()) sql += " ROW_FORMAT =" + state.RowFormat;
-  if (!state.Comment.empty()) sql += " COMMENT = '" + state.Comment + "'";
+  if (!state.Comment.empty()) sql += " COMMENT = " + QuotedLiteral(state.Comment, escape);
   if (PartitionsSupported(versionNumber) && state.PartitionType != TPartitionType::None)
     sql += "\n" + partitionClause(state);
   return sql;

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/designers/sql_param.h"
+
 namespace lomarin::designers {
 
 // One row of the new-table designer's column grid, every cell a string; flags hold kFlagYes or
@@ -76,6 +78,8 @@ struct TCreateTableState {
 
 // Partitioning came with 5.1; older servers get no Partitions tab and no clause.
 bool PartitionsSupported(int versionNumber);
-std::string BuildCreateTableSql(const TCreateTableState& state, int versionNumber);
+// Defaults and the comment are escaped by escape.
+std::string BuildCreateTableSql(const TCreateTableState& state, int versionNumber,
+                                const explorer::ValueEscaper& escape);
 
 }  // namespace lomarin::designers

@@ -12,6 +12,10 @@ bool isNameChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) || 
 
 }  // namespace
 
+std::string QuotedLiteral(std::string_view value, const explorer::ValueEscaper& escape) {
+  return "'" + escape(value) + "'";
+}
+
 std::string ReplaceSqlParams(std::string_view sqlTemplate, const std::vector<TSqlParam>& params) {
   std::string out;
   out.reserve(sqlTemplate.size());

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/app/explorer_nodes.h"
+
 namespace lomarin::designers {
 
 // The flag a designer row holds for a checked box; rows are compared against this one constant.
@@ -16,6 +18,10 @@ struct TSqlParam {
   std::string Value;
   bool Quote = false;
 };
+
+// The value between single quotes, escaped by escape: the session's client library, which knows
+// whether the SQL mode has NO_BACKSLASH_ESCAPES.
+std::string QuotedLiteral(std::string_view value, const explorer::ValueEscaper& escape);
 
 // Replaces the listed "&name" placeholders in one pass, so a value that itself holds an "&word" is
 // never taken for a later placeholder. A placeholder is "&" and the letters, digits and "_" after it;

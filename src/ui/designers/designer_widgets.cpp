@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 
+#include "engine/connect/escape.h"
 #include "engine/connect/read_result_table.h"
 #include "engine/connect/server_error.h"
 
@@ -25,6 +26,10 @@ void enableBox(QCheckBox* box, bool enabled) {
 }
 
 }  // namespace
+
+designers::explorer::ValueEscaper sessionEscaper(TMyConnection& session) {
+  return [&session](std::string_view value) { return EscapeString(session, value); };
+}
 
 QStringList readColumn(TMyConnection& session, const std::string& sql, std::string_view column) {
   QStringList values;

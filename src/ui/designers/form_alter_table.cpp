@@ -56,7 +56,7 @@ void TfrmAlterTable::readPresentColumn() {
   ui_->cobotherFields->setEnabled(false);
   explorer::ResultTable result;
   try {
-    result = ReadResultTable(session_, designers::ShowFieldSql(table_, column_));
+    result = ReadResultTable(session_, designers::ShowFieldSql(table_, column_, sessionEscaper(session_)));
   } catch (const ServerError&) {
     return;  // the session's error handling has shown it
   }
@@ -118,8 +118,9 @@ void TfrmAlterTable::chkAutoIncClick(bool checked) {
 
 void TfrmAlterTable::btnOkClick() {
   const designers::TAlterColumnState column = state();
-  const std::string sql = column.PresentName.empty() ? designers::BuildAddColumnSql(column)
-                                                     : designers::BuildChangeColumnSql(column);
+  const std::string sql = column.PresentName.empty()
+                              ? designers::BuildAddColumnSql(column, sessionEscaper(session_))
+                              : designers::BuildChangeColumnSql(column, sessionEscaper(session_));
   if (ExecSQLText(session_, sql)) accept();
 }
 

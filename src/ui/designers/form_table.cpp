@@ -225,12 +225,13 @@ void TfrmTable::cxcoboPartTypeChange(int index) {
 
 void TfrmTable::pgcTableChange(int index) {
   if (index != kSourcePage || ui_->dxtrFields->topLevelItemCount() == 0) return;
-  frameSQL_->memo()->setText(
-      QString::fromStdString(designers::BuildCreateTableSql(state(), session_.ServerVersionNumber())));
+  frameSQL_->memo()->setText(QString::fromStdString(
+      designers::BuildCreateTableSql(state(), session_.ServerVersionNumber(), sessionEscaper(session_))));
 }
 
 void TfrmTable::btnOkClick() {
-  if (ExecSQLText(session_, designers::BuildCreateTableSql(state(), session_.ServerVersionNumber())))
+  if (ExecSQLText(session_, designers::BuildCreateTableSql(state(), session_.ServerVersionNumber(),
+                                                           sessionEscaper(session_))))
     accept();
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "test_escaper.h"
+
 namespace lomarin::designers {
 namespace {
 
@@ -19,20 +21,23 @@ TEST(AddColumn, DefaultIsWrittenAsTypedExceptForEnumAndSet) {
   n.Length = "11";
   n.Default = "5";
   n.NotNull = n.Unsigned = true;
-  EXPECT_EQ(BuildAddColumnSql(n), "Alter table t Add n int(11)  UNSIGNED  Default 5 Not Null  After id");
+  EXPECT_EQ(BuildAddColumnSql(n, test::backslashEscaped),
+            "Alter table t Add n int(11)  UNSIGNED  Default 5 Not Null  After id");
   TAlterColumnState s = column("s", "enum");
-  s.Values = "a,b c";
-  s.Default = "a";
-  EXPECT_EQ(BuildAddColumnSql(s), "Alter table t Add s enum('a','b c')   Default 'a'   After id");
+  s.Values = "a,b c,it's";
+  s.Default = "it's";
+  EXPECT_EQ(BuildAddColumnSql(s, test::backslashEscaped),
+            R"(Alter table t Add s enum('a','b c','it\'s')   Default 'it\'s'   After id)");
 }
 
 TEST(AddColumn, WithoutDefaultTheOtherTemplate) {
   TAlterColumnState v = column("v", "varchar");
   v.Length = "20";
-  EXPECT_EQ(BuildAddColumnSql(v), "Alter table t Add v varchar(20)     After id");
+  EXPECT_EQ(BuildAddColumnSql(v, test::backslashEscaped), "Alter table t Add v varchar(20)     After id");
   TAlterColumnState z = column("z", "int");
   z.Unsigned = z.Zerofill = z.AutoIncrement = true;
-  EXPECT_EQ(BuildAddColumnSql(z), "Alter table t Add z int  UNSIGNED ZEROFILL   AUTO_INCREMENT After id");
+  EXPECT_EQ(BuildAddColumnSql(z, test::backslashEscaped),
+            "Alter table t Add z int  UNSIGNED ZEROFILL   AUTO_INCREMENT After id");
 }
 
 TEST(ChangeColumn, RenamesAndRetypesInOneChange) {
@@ -40,12 +45,12 @@ TEST(ChangeColumn, RenamesAndRetypesInOneChange) {
   c.PresentName = "old";
   c.Length = "20";
   c.NotNull = c.AutoIncrement = true;
-  EXPECT_EQ(BuildChangeColumnSql(c),
+  EXPECT_EQ(BuildChangeColumnSql(c, test::backslashEscaped),
             "Alter table t change `old`  `new` bigint(20)   Not Null AUTO_INCREMENT ");
   c.Default = "'x'";
   c.AutoIncrement = false;
   c.PresentName = "o`ld";
-  EXPECT_EQ(BuildChangeColumnSql(c),
+  EXPECT_EQ(BuildChangeColumnSql(c, test::backslashEscaped),
             "Alter table t change `o``ld`  `new` bigint(20)   Default 'x' Not Null  ");
 }
 
@@ -56,17 +61,20 @@ TEST(ChangeColumn, EnumAndSetAreModifiedAndKeepTheirName) {
   e.NotNull = true;
   e.Unsigned = true;
   // No placeholder of the template reaches the server, unsigned or not.
-  EXPECT_EQ(BuildChangeColumnSql(e), "ALTER TABLE t MODIFY COLUMN `c` enum('x','y')  Not Null  ");
+  EXPECT_EQ(BuildChangeColumnSql(e, test::backslashEscaped),
+            "ALTER TABLE t MODIFY COLUMN `c` enum('x','y')  Not Null  ");
   TAlterColumnState s = column("c", "set");
   s.PresentName = "c";
   s.Values = "x,y";
   s.Default = "x";
-  EXPECT_EQ(BuildChangeColumnSql(s), "ALTER TABLE t MODIFY COLUMN `c` set('x','y') Default 'x'   ");
+  EXPECT_EQ(BuildChangeColumnSql(s, test::backslashEscaped),
+            "ALTER TABLE t MODIFY COLUMN `c` set('x','y') Default 'x'   ");
 }
 
 TEST(ColumnStatements, ShowFields) {
   EXPECT_EQ(ShowFieldsSql("t"), "show fields FROM t");
-  EXPECT_EQ(ShowFieldSql("t", "a"), "show fields FROM t like 'a'");
+  EXPECT_EQ(ShowFieldSql("t", "a", test::backslashEscaped), "show fields FROM t like 'a'");
+  EXPECT_EQ(ShowFieldSql("t", "it's", test::backslashEscaped), R"(show fields FROM t like 'it\'s')");
 }
 
 TEST(ReadColumn, SplitsTheTypeText) {

@@ -4,6 +4,7 @@
 
 #include "engine/designers/column_types.h"
 #include "engine/designers/sql_param.h"
+#include "test_escaper.h"
 
 namespace lomarin::designers {
 namespace {
@@ -31,11 +32,11 @@ TEST(CreateTable, KeyAndIndexAsTheDesignerWritesThem) {
   name.Lenght = "50";
   name.Index = "Y";
   const TCreateTableState state = table({id, name}, "InnoDB");
-  EXPECT_EQ(BuildCreateTableSql(state, 50),
+  EXPECT_EQ(BuildCreateTableSql(state, 50, test::backslashEscaped),
             " CREATE TABLE d.t( \nid int NOT NULL  AUTO_INCREMENT , \nname varchar(50) ,  PRIMARY KEY (id),\n"
             "INDEX(name)) TYPE = InnoDB ROW_FORMAT =DEFAULT");
   // From 5.5 the server knows only ENGINE; nothing else changes.
-  EXPECT_EQ(BuildCreateTableSql(state, 55),
+  EXPECT_EQ(BuildCreateTableSql(state, 55, test::backslashEscaped),
             " CREATE TABLE d.t( \nid int NOT NULL  AUTO_INCREMENT , \nname varchar(50) ,  PRIMARY KEY (id),\n"
             "INDEX(name)) ENGINE = InnoDB ROW_FORMAT =DEFAULT");
 }
@@ -47,7 +48,7 @@ TEST(CreateTable, WithoutPrimaryKeyTheLastCommaGoesAndIndexAndForeignKeysAreDrop
   b.Lenght = "3";
   b.Default = "x";
   b.ForeignKey = " FOREIGN KEY (b) REFERENCES p (id)";
-  EXPECT_EQ(BuildCreateTableSql(table({a, b}), 55),
+  EXPECT_EQ(BuildCreateTableSql(table({a, b}), 55, test::backslashEscaped),
             " CREATE TABLE d.t( \na int , \nb char(3) DEFAULT 'x'   )\n ENGINE = MyISAM ROW_FORMAT =DEFAULT");
 }
 
@@ -56,7 +57,7 @@ TEST(CreateTable, PrimaryKeyWithoutIndexClosesAtOnceAndDropsForeignKeys) {
   id.Key = "Y";
   TTableColumnRow c = column("c", "int");
   c.ForeignKey = " FOREIGN KEY (c) REFERENCES p (id)";
-  EXPECT_EQ(BuildCreateTableSql(table({id, c}), 50),
+  EXPECT_EQ(BuildCreateTableSql(table({id, c}), 50, test::backslashEscaped),
             " CREATE TABLE d.t( \nid int , \nc int ,  PRIMARY KEY (id)) TYPE = MyISAM ROW_FORMAT =DEFAULT");
 }
 
@@ -74,7 +75,7 @@ TEST(CreateTable, ForeignKeysFollowTheIndexAndKeyColumnsStayOutOfIt) {
   TCreateTableState state = table({id, code, cid, pid}, "InnoDB");
   state.RowFormat = "DYNAMIC";
   state.Comment = "two\nlines";
-  EXPECT_EQ(BuildCreateTableSql(state, 55),
+  EXPECT_EQ(BuildCreateTableSql(state, 55, test::backslashEscaped),
             " CREATE TABLE d.t( \nid int NOT NULL  , \ncode int , \ncid int UNSIGNED  , \npid int UNSIGNED "
             "ZEROFILL  ,  "
             "PRIMARY KEY (id,code),\nINDEX(cid,pid) , FOREIGN KEY (cid) REFERENCES customers (id) ON DELETE  "
@@ -86,7 +87,7 @@ TEST(CreateTable, EnumValuesGoBeforeTheLength) {
   TTableColumnRow s = column("s", "enum");
   s.ExtraValues = "('a','b')";
   s.Default = "a";
-  EXPECT_EQ(BuildCreateTableSql(table({s}), 55),
+  EXPECT_EQ(BuildCreateTableSql(table({s}), 55, test::backslashEscaped),
             " CREATE TABLE d.t( \ns enum('a','b') DEFAULT 'a'   )\n ENGINE = MyISAM ROW_FORMAT =DEFAULT");
 }
 
@@ -99,20 +100,22 @@ TEST(CreateTable, PartitionsOnlyFrom51) {
   state.PartitionValues = "PARTITION p0 VALUES LESS THAN (10),\nPARTITION p1 VALUES LESS THAN MAXVALUE";
   const std::string head =
       " CREATE TABLE d.t( \nid int ,  PRIMARY KEY (id)) TYPE = MyISAM ROW_FORMAT =DEFAULT";
-  EXPECT_EQ(BuildCreateTableSql(state, 50), head);
-  EXPECT_EQ(BuildCreateTableSql(state, 51),
+  EXPECT_EQ(BuildCreateTableSql(state, 50, test::backslashEscaped), head);
+  EXPECT_EQ(BuildCreateTableSql(state, 51, test::backslashEscaped),
             head +
                 "\nPARTITION BY  RANGE  (id) (  \nPARTITION p0 VALUES LESS THAN (10),\n"
                 "PARTITION p1 VALUES LESS THAN MAXVALUE)");
   state.PartitionType = TPartitionType::List;
-  EXPECT_EQ(BuildCreateTableSql(state, 51).substr(head.size()),
+  EXPECT_EQ(BuildCreateTableSql(state, 51, test::backslashEscaped).substr(head.size()),
             "\nPARTITION BY  LIST  (id) (  \nPARTITION p0 VALUES LESS THAN (10),\nPARTITION p1 VALUES LESS "
             "THAN MAXVALUE)");
   state.PartitionType = TPartitionType::Hash;
   state.PartitionCount = 4;
-  EXPECT_EQ(BuildCreateTableSql(state, 51).substr(head.size()), "\nPARTITION BY  HASH  (id)\n PARTITIONS 4");
+  EXPECT_EQ(BuildCreateTableSql(state, 51, test::backslashEscaped).substr(head.size()),
+            "\nPARTITION BY  HASH  (id)\n PARTITIONS 4");
   state.PartitionType = TPartitionType::Key;
-  EXPECT_EQ(BuildCreateTableSql(state, 51).substr(head.size()), "\nPARTITION BY  KEY  (id)\n PARTITIONS 4");
+  EXPECT_EQ(BuildCreateTableSql(state, 51, test::backslashEscaped).substr(head.size()),
+            "\nPARTITION BY  KEY  (id)\n PARTITIONS 4");
   EXPECT_FALSE(PartitionsSupported(50));
   EXPECT_TRUE(PartitionsSupported(51));
 }
@@ -121,7 +124,7 @@ TEST(CreateTable, FlagsAreComparedAgainstTheOneConstant) {
   TTableColumnRow id = column("id", "int");
   id.Key = "y";
   id.Mandatory = "yes";
-  EXPECT_EQ(BuildCreateTableSql(table({id}), 55),
+  EXPECT_EQ(BuildCreateTableSql(table({id}), 55, test::backslashEscaped),
             " CREATE TABLE d.t( \nid int   )\n ENGINE = MyISAM ROW_FORMAT =DEFAULT");
 }
 
@@ -207,6 +210,18 @@ TEST(ReplaceSqlParam, QuotesOnYAndReplacesInOnePass) {
   EXPECT_EQ(ReplaceSqlParams("&a &b &c", {{"a", "&b"}, {"b", "x"}}), "&b x &c");
   // Names are whole words: &newfield is not &field followed by text.
   EXPECT_EQ(ReplaceSqlParams("&field &newfield", {{"field", "f"}, {"newfield", "n"}}), "f n");
+}
+
+TEST(CreateTable, DefaultAndCommentAreEscapedLiterals) {
+  TTableColumnRow path = column("path", "varchar");
+  path.Lenght = "20";
+  path.Default = R"(C:\it's)";
+  TCreateTableState state = table({path});
+  state.Comment = "a 'b'";
+  EXPECT_EQ(
+      BuildCreateTableSql(state, 55, test::backslashEscaped),
+      " CREATE TABLE d.t( \npath varchar(20) DEFAULT 'C:\\\\it\\'s'   )\n ENGINE = MyISAM ROW_FORMAT =DEFAULT"
+      " COMMENT = 'a \\'b\\''");
 }
 
 }  // namespace

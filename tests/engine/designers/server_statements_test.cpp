@@ -1,6 +1,7 @@
 // The builders' statements as the server takes them, read back from the server.
 #include <gtest/gtest.h>
 
+#include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/designers/alter_column.h"
 #include "engine/designers/constraint_manager.h"
@@ -37,6 +38,7 @@ class DesignerStatements : public ::testing::Test {
   }
 
   std::unique_ptr<TMyConnection> session;
+  const explorer::ValueEscaper escape = [this](std::string_view value) { return EscapeString(*session, value); };
 };
 
 TTableColumnRow column(std::string name, std::string type) {
@@ -58,7 +60,7 @@ TEST_F(DesignerStatements, DesignedTablesWithKeysIndexForeignKeyAndPartitions) {
   name.Index = "Y";
   name.Default = "nobody";
   parent.Rows = {id, name};
-  exec(BuildCreateTableSql(parent, session->ServerVersionNumber()));
+  exec(BuildCreateTableSql(parent, session->ServerVersionNumber(), escape));
 
   TCreateTableState child = parent;
   child.Name = "orders";
@@ -69,7 +71,7 @@ TEST_F(DesignerStatements, DesignedTablesWithKeysIndexForeignKeyAndPartitions) {
   TTableColumnRow flags = column("flags", "set");
   flags.ExtraValues = "('a','b')";
   child.Rows = {id, cid, flags};
-  exec(BuildCreateTableSql(child, session->ServerVersionNumber()));
+  exec(BuildCreateTableSql(child, session->ServerVersionNumber(), escape));
   const std::string orders = createText("orders");
   EXPECT_NE(orders.find("`flags` set('a','b')"), std::string::npos) << orders;
   EXPECT_NE(orders.find("PRIMARY KEY (`id`)"), std::string::npos) << orders;
@@ -86,7 +88,7 @@ TEST_F(DesignerStatements, DesignedTablesWithKeysIndexForeignKeyAndPartitions) {
   parted.PartitionType = TPartitionType::Hash;
   parted.Expression = "id";
   parted.PartitionCount = 3;
-  exec(BuildCreateTableSql(parted, session->ServerVersionNumber()));
+  exec(BuildCreateTableSql(parted, session->ServerVersionNumber(), escape));
   EXPECT_NE(createText("parted").find("PARTITION BY HASH (`id`)\nPARTITIONS 3"), std::string::npos)
       << createText("parted");
 }
@@ -101,14 +103,14 @@ TEST_F(DesignerStatements, ColumnsAddedChangedAndModified) {
   add.Default = "'dflt'";
   add.NotNull = true;
   add.After = "id";
-  exec(BuildAddColumnSql(add));
+  exec(BuildAddColumnSql(add, escape));
   TAlterColumnState change;
   change.Table = "t";
   change.PresentName = "old";
   change.Name = "renamed";
   change.DataType = "bigint";
   change.Unsigned = true;
-  exec(BuildChangeColumnSql(change));
+  exec(BuildChangeColumnSql(change, escape));
   TAlterColumnState modify;
   modify.Table = "t";
   modify.PresentName = "e";
@@ -116,12 +118,54 @@ TEST_F(DesignerStatements, ColumnsAddedChangedAndModified) {
   modify.Values = "x,y,z";
   modify.Default = "z";
   modify.NotNull = true;
-  exec(BuildChangeColumnSql(modify));
+  exec(BuildChangeColumnSql(modify, escape));
   const std::string created = createText("t");
   EXPECT_EQ(created.substr(0, created.find(") ENGINE")),
             "CREATE TABLE `t` (\n  `id` int(11) NOT NULL,\n  `n` varchar(10) NOT NULL DEFAULT 'dflt',\n"
             "  `renamed` bigint(20) unsigned DEFAULT NULL,\n  `e` enum('x','y','z') NOT NULL DEFAULT 'z',\n"
             "  PRIMARY KEY (`id`)\n");
+}
+
+// A user's default, comment and enum items reach the server as typed, whatever the session's
+// escaping rules.
+TEST_F(DesignerStatements, QuotesBackslashesAndLineBreaksInTextsArriveExactly) {
+  const std::string text = "it's a \\ path\nand 'more'";
+  for (const std::string mode : {"", "NO_BACKSLASH_ESCAPES"}) {
+    SCOPED_TRACE(mode);
+    exec("SET SESSION sql_mode = '" + mode + "'");
+    exec("DROP TABLE IF EXISTS t");
+    TCreateTableState state;
+    state.Database = kDb;
+    state.Name = "t";
+    state.TableType = "InnoDB";
+    state.Comment = text;
+    TTableColumnRow id = column("id", "int");
+    id.Key = id.Mandatory = "Y";
+    TTableColumnRow note = column("note", "varchar");
+    note.Lenght = "60";
+    note.Default = text;
+    state.Rows = {id, note};
+    exec(BuildCreateTableSql(state, session->ServerVersionNumber(), escape));
+    TAlterColumnState kind;
+    kind.Table = "t";
+    kind.Name = "kind";
+    kind.DataType = "enum";
+    kind.Values = "o'clock,back\\slash";
+    kind.Default = "o'clock";
+    kind.After = "note";
+    exec(BuildAddColumnSql(kind, escape));
+    exec("INSERT INTO t (id) VALUES (1)");
+    EXPECT_EQ(test::scalar(*session, "SELECT note FROM t"), text);
+    EXPECT_EQ(test::scalar(*session, "SELECT kind FROM t"), "o'clock");
+    EXPECT_EQ(test::scalar(*session,
+                           "SELECT table_comment FROM information_schema.tables WHERE table_schema = "
+                           "DATABASE() AND table_name = 't'"),
+              text);
+    EXPECT_EQ(test::scalar(*session,
+                           "SELECT column_type FROM information_schema.columns WHERE table_schema = "
+                           "DATABASE() AND table_name = 't' AND column_name = 'kind'"),
+              "enum('o''clock','back\\\\slash')");
+  }
 }
 
 TEST_F(DesignerStatements, IndexesAndConstraintsAddedAndDropped) {
