@@ -32,7 +32,19 @@ std::string readFile(const fs::path& file) {
   return text.str();
 }
 
+constexpr const char* kSshVariables[] = {"LOMARIN_TEST_SSH_HOST",     "LOMARIN_TEST_SSH_PORT",
+                                         "LOMARIN_TEST_SSH_USER",     "LOMARIN_TEST_SSH_AUTHORIZED_KEYS",
+                                         "LOMARIN_TEST_SSH_HOST_KEY", "LOMARIN_TEST_SSH_PID_FILE"};
+
 }  // namespace
+
+std::string sshServerMissing() {
+  for (const char* name : kSshVariables) {
+    const char* value = std::getenv(name);
+    if (!value || !*value) return std::string(name) + " is not set: the SSH server of ./test is not running";
+  }
+  return {};
+}
 
 TSshTunnelSettings sshServerSettings(const fs::path& keyStoreFolder) {
   const TMySessionSettings server = serverSettings();

@@ -11,6 +11,8 @@ namespace lomarin::test {
 // The private OpenSSH server ./test started (LOMARIN_TEST_SSH_* variables), forwarding to the
 // private MariaDB server. Fails when they are missing.
 TSshTunnelSettings sshServerSettings(const std::filesystem::path& keyStoreFolder);
+// Why that SSH server cannot be used (a variable it needs is missing); empty when it can.
+std::string sshServerMissing();
 // An account of the MariaDB server's root user reached through that SSH server.
 TAccount sshAccount();
 
