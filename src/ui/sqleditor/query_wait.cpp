@@ -210,7 +210,11 @@ void TSessionActivity::run(const QString& what, const std::function<void()>& wor
 bool TSessionActivity::askStopOrWait(const std::string& what) {
   // Only this thread can ask; another one just blocks until the session is free.
   if (QThread::currentThread() != thread()) return false;
-  TformSessionBusy box(QString::fromStdString(what), QApplication::activeWindow());
+  // Modal to the window of the document that asks: the program's other windows stay usable.
+  QWidget* asking = QApplication::focusWidget();
+  TformSessionBusy box(QString::fromStdString(what),
+                       asking ? asking->window() : QApplication::activeWindow());
+  box.setWindowModality(Qt::WindowModal);
   connect(box.stopButton(), &QPushButton::clicked, &box, [this, &box] {
     box.stopButton()->setEnabled(false);
     box.waiting("Stopping: waiting for the server.");

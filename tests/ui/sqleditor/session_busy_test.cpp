@@ -139,13 +139,22 @@ class SessionBusyTest : public QObject {
   }
 
   // A document that needs the session meanwhile says what runs, waits when asked to, and goes
-  // on once the run has been stopped.
+  // on once the run has been stopped. The question holds only the window that asked.
   void aDocumentNeedingTheSessionAsksStopOrWait() {
     BusyWindow w;
+    QPushButton elsewhere("Another window");
+    int clicksElsewhere = 0;
+    connect(&elsewhere, &QPushButton::clicked, [&] { ++clicksElsewhere; });
+    elsewhere.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&elsewhere));
+    // The user goes on in the main window.
+    w.window.activateWindow();
+    QTRY_VERIFY(w.window.isActiveWindow());
     QElapsedTimer run;
     QString asked;
     bool stillWaiting = false;
     bool refreshed = false;
+    bool heldTheMainWindowOnly = false;
     QTimer::singleShot(0, [&] {
       QTRY_VERIFY(w.editor->waitPanel()->isVisible());
       w.show(w.other);
@@ -153,6 +162,9 @@ class SessionBusyTest : public QObject {
         QWidget* box = nullptr;
         QTRY_VERIFY((box = QApplication::activeModalWidget()) != nullptr);
         QCOMPARE(box->objectName(), QString("SessionBusy"));
+        QTest::mouseClick(&elsewhere, Qt::LeftButton);
+        heldTheMainWindowOnly = box->windowModality() == Qt::WindowModal &&
+                                box->parentWidget() == &w.window && clicksElsewhere == 1;
         asked = box->findChild<QLabel*>("lblBusy")->text();
         w.snapshot(box, "session_busy_prompt");
         box->findChild<QPushButton*>("btnWait")->click();
@@ -171,6 +183,7 @@ class SessionBusyTest : public QObject {
     QVERIFY2(asked.contains(QString("Run SQL: ") + kSleep), qPrintable(asked));
     QVERIFY(asked.contains("Stop it, or wait until it ends?"));
     QVERIFY(stillWaiting);
+    QVERIFY(heldTheMainWindowOnly);
     QVERIFY(refreshed);
     QCOMPARE(w.sleepsOnServer(), 0);
     // The refresh went to the server after the query, not beside it.
