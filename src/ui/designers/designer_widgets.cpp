@@ -27,7 +27,7 @@ void enableBox(QCheckBox* box, bool enabled) {
 
 }  // namespace
 
-designers::explorer::ValueEscaper sessionEscaper(TMyConnection& session) {
+explorer::ValueEscaper sessionEscaper(TMyConnection& session) {
   return [&session](std::string_view value) { return EscapeString(session, value); };
 }
 

@@ -21,7 +21,7 @@ class TMyConnection;
 namespace lomarin::ui {
 
 // Escapes literals for the session's character set and SQL mode.
-designers::explorer::ValueEscaper sessionEscaper(TMyConnection& session);
+explorer::ValueEscaper sessionEscaper(TMyConnection& session);
 
 // One column of a statement's result, the first for an empty name. When the server refuses the
 // statement the list is empty: the session's error handling has shown why.
