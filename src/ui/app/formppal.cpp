@@ -366,7 +366,15 @@ void Tformppal::applyLayout(const WindowLayout& layout) {
   restoreToolbarPlaces(*this, toolbarNameList(), layout.toolbars);
 }
 
+void Tformppal::endWithoutQuestions() {
+  ending_ = true;
+  for (QWidget* document : documents())
+    if (document->property("busy").toBool()) stopDocument(document);
+}
+
 void Tformppal::closeEvent(QCloseEvent* event) {
+  // Documents go with the window; a run still on the stack ends first.
+  if (ending_) return event->accept();
   event->ignore();
   // A question of this close is on screen and the request came again.
   if (closing_) return;
@@ -402,9 +410,14 @@ bool Tformppal::stopBusyDocuments() {
     // Queued: the document finishes its run before the window closes it.
     connect(document, property.notifySignal(), this, idle,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
-    if (type->indexOfMethod("Stop()") >= 0) QMetaObject::invokeMethod(document, "Stop", Qt::DirectConnection);
+    stopDocument(document);
   }
   return busy;
+}
+
+void Tformppal::stopDocument(QWidget* document) {
+  if (document->metaObject()->indexOfMethod("Stop()") >= 0)
+    QMetaObject::invokeMethod(document, "Stop", Qt::DirectConnection);
 }
 
 void Tformppal::documentBusyChanged() {

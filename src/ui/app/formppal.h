@@ -85,6 +85,10 @@ class Tformppal : public QMainWindow {
   // the documents go without a second question.
   void addDocument(QWidget* document);
 
+  // The system asks the program to end (SIGTERM): work on the server is stopped and no question
+  // is asked from here on; the caller leaves the event loops.
+  void endWithoutQuestions();
+
   WindowLayout layout() const;
   void applyLayout(const WindowLayout& layout);
 
@@ -101,6 +105,7 @@ class Tformppal : public QMainWindow {
  private:
   QList<QWidget*> documents() const;
   bool stopBusyDocuments();
+  void stopDocument(QWidget* document);
   bool documentsMayClose();
   void FormCreate();
   void createPanes();
@@ -135,6 +140,7 @@ class Tformppal : public QMainWindow {
   // A close is asking its questions; a close waits for busy documents to stop.
   bool closing_ = false;
   bool closeWhenIdle_ = false;
+  bool ending_ = false;
 };
 
 }  // namespace lomarin::ui

@@ -6,9 +6,14 @@
 #include <QDataStream>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QTimer>
+#include <set>
+#include <vector>
 
 namespace lomarin::ui {
 namespace {
@@ -51,11 +56,13 @@ InstanceServer::~InstanceServer() { server_->close(); }
 
 bool InstanceServer::listen(const QString& folder, QString* error) {
   if (!QDir().mkpath(folder) ||
-      !QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner)) {
+      !QFile::setPermissions(folder,
+                             QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner)) {
     *error = QObject::tr("Cannot create the folder %1").arg(folder);
     return false;
   }
-  const QString path = QDir(folder).filePath(kSocketPrefix + QString::number(QCoreApplication::applicationPid()));
+  const QString path =
+      QDir(folder).filePath(kSocketPrefix + QString::number(QCoreApplication::applicationPid()));
   QLocalServer::removeServer(path);
   if (!server_->listen(path)) {
     *error = server_->errorString();
@@ -85,38 +92,68 @@ void InstanceServer::serve(QLocalSocket* socket) {
   }
 }
 
-RunningInstance::RunningInstance(std::unique_ptr<QLocalSocket> socket) : socket_(std::move(socket)) {}
+RunningInstance::RunningInstance(std::unique_ptr<QLocalSocket> socket, qint64 pid)
+    : socket_(std::move(socket)), pid_(pid) {}
 
 RunningInstance::~RunningInstance() = default;
 
-bool RunningInstance::openFile(const QString& fileName) {
+RunningInstance::HandOff RunningInstance::openFile(const QString& fileName, QDeadlineTimer deadline) {
   QDataStream stream(socket_.get());
   stream << instance::kWakeMessage;
   stream << instance::kOpenFileMessage << fileName;
   socket_->flush();
   quint32 done = 0;
-  // Like a synchronous send: the file is open when the reply comes, however long that takes.
-  return readFrame(*socket_, QDeadlineTimer::Forever, [&](QDataStream& in) { in >> done; }) &&
-         done == instance::kOpenFileMessage;
+  // Like a synchronous send, the reply comes once the file is open; but an instance held by a
+  // question in its window must not hold this process too.
+  if (readFrame(*socket_, deadline, [&](QDataStream& in) { in >> done; }))
+    return done == instance::kOpenFileMessage ? HandOff::Opened : HandOff::Gone;
+  return socket_->state() == QLocalSocket::ConnectedState ? HandOff::NotConfirmed : HandOff::Gone;
 }
 
 std::unique_ptr<RunningInstance> findRunningInstance(const QString& folder, int timeoutMs) {
   const QStringList names = QDir(folder).entryList({QString(kSocketPrefix) + "*"}, QDir::System, QDir::Name);
+  std::vector<std::unique_ptr<QLocalSocket>> sockets;
+  std::set<QLocalSocket*> answered;
+  QLocalSocket* found = nullptr;
+  QEventLoop loop;
+  // A listener that hangs must not delay the others: all are asked at once, under one deadline.
+  const auto finished = [&](QLocalSocket* socket) {
+    answered.insert(socket);
+    if (answered.size() == sockets.size()) loop.quit();
+  };
   for (const QString& name : names) {
     const QString path = QDir(folder).filePath(name);
-    auto socket = std::make_unique<QLocalSocket>();
+    QLocalSocket* socket = sockets.emplace_back(std::make_unique<QLocalSocket>()).get();
+    QObject::connect(socket, &QLocalSocket::connected, socket, [socket] {
+      QDataStream(socket) << quint32(0) << QString::fromLatin1(instance::kFindMessage);
+    });
+    QObject::connect(socket, &QLocalSocket::readyRead, socket, [&, socket] {
+      QDataStream stream(socket);
+      stream.startTransaction();
+      quint32 reply = 0;
+      stream >> reply;
+      if (!stream.commitTransaction() || found) return;
+      if (reply != instance::kInstanceReply) return finished(socket);
+      found = socket;
+      loop.quit();
+    });
+    QObject::connect(socket, &QLocalSocket::errorOccurred, socket,
+                     [&, socket, path](QLocalSocket::LocalSocketError error) {
+                       if (error == QLocalSocket::ConnectionRefusedError) QFile::remove(path);
+                       finished(socket);
+                     });
     socket->connectToServer(path);
-    QDeadlineTimer deadline(timeoutMs);
-    if (!socket->waitForConnected(timeoutMs)) {
-      if (socket->error() == QLocalSocket::ConnectionRefusedError) QFile::remove(path);
-      continue;
-    }
-    QDataStream stream(socket.get());
-    stream << quint32(0) << QString::fromLatin1(instance::kFindMessage);
-    socket->flush();
-    quint32 reply = 0;
-    if (readFrame(*socket, deadline, [&](QDataStream& in) { in >> reply; }) && reply == instance::kInstanceReply)
-      return std::make_unique<RunningInstance>(std::move(socket));
+  }
+  if (!found && answered.size() < sockets.size()) {
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
+  for (auto& socket : sockets) {
+    if (socket.get() != found) continue;
+    QObject::disconnect(found, nullptr, nullptr, nullptr);
+    const qint64 pid =
+        QFileInfo(found->fullServerName()).fileName().mid(int(sizeof(kSocketPrefix)) - 1).toLongLong();
+    return std::make_unique<RunningInstance>(std::move(socket), pid);
   }
   return nullptr;
 }

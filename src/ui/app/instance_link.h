@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 #include <memory>
@@ -46,19 +47,24 @@ class InstanceServer : public QObject {
 // A running instance found by findRunningInstance, connected and ready for the hand-off.
 class RunningInstance {
  public:
-  explicit RunningInstance(std::unique_ptr<QLocalSocket> socket);
+  RunningInstance(std::unique_ptr<QLocalSocket> socket, qint64 pid);
   ~RunningInstance();
 
-  // Wakes the instance and has it open the file; returns once it has. False when the instance
-  // went away first.
-  bool openFile(const QString& fileName);
+  enum class HandOff { Opened, NotConfirmed, Gone };
+  // Wakes the instance and has it open the file; returns once it has, or at the deadline (the
+  // instance may be waiting for an answer in its window), or when it went away.
+  HandOff openFile(const QString& fileName, QDeadlineTimer deadline);
+
+  qint64 pid() const { return pid_; }
 
  private:
   std::unique_ptr<QLocalSocket> socket_;
+  qint64 pid_;
 };
 
-// Nothing when no listener in the folder answers the find question with the instance reply
-// within the time-out. Listeners of processes that have ended are cleared away.
+// Asks every listener in the folder at once and takes the first that answers the find question
+// with the instance reply. Nothing when none has within the time-out, however many there are;
+// listeners of processes that have ended are cleared away.
 std::unique_ptr<RunningInstance> findRunningInstance(const QString& folder,
                                                      int timeoutMs = instance::kFindTimeoutMs);
 

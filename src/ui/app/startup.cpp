@@ -60,7 +60,24 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
     if (parser.parse(handOff.arguments()) && parser.isSet(helpOption)) parser.showHelp();
     const QString file = fileArgument(parser);
     if (!file.isEmpty()) {
-      if (auto running = findRunningInstance(socketFolder)) return running->openFile(file) ? 0 : 1;
+      // One time-out for the whole hand-off: a second launch never waits longer on another process.
+      const QDeadlineTimer deadline(instance::kFindTimeoutMs);
+      if (auto running = findRunningInstance(socketFolder, int(deadline.remainingTime()))) {
+        switch (running->openFile(file, deadline)) {
+          case RunningInstance::HandOff::Opened:
+            return 0;
+          case RunningInstance::HandOff::NotConfirmed:
+            std::fprintf(
+                stderr,
+                "lomarin: the running Lomarin (process %lld) was handed %s but has not opened it within "
+                "%d s: it is waiting for an answer in its window and opens the file once that is given.\n",
+                running->pid(), qPrintable(file), instance::kFindTimeoutMs / 1000);
+            return 2;
+          case RunningInstance::HandOff::Gone:
+            // It ended during the hand-off: this process becomes the running instance.
+            break;
+        }
+      }
     }
   }
 
@@ -81,7 +98,8 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
 
   QString problem;
   const QString layoutFile = windowLayoutFile();
-  if (const auto layout = loadWindowLayout(layoutFile, &problem))
+  const auto layout = loadWindowLayout(layoutFile, &problem);
+  if (layout)
     window.applyLayout(*layout);
   else if (!problem.isEmpty())
     window.ShowServerError(problem);
@@ -97,12 +115,21 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
   if (!server.listen(socketFolder, &problem))
     std::fprintf(stderr, "lomarin: no single-instance hand-off: %s\n", qPrintable(problem));
 
-  QuitOnSignal quitOnSignal([&window] { window.close(); });
+  // Whatever is on screen, a question included: the program ends, saving what needs no answer.
+  bool ending = false;
+  QuitOnSignal quitOnSignal([&window, &ending] {
+    ending = true;
+    window.endWithoutQuestions();
+    QCoreApplication::exit(0);
+  });
+  // The first start fills the screen; later ones restore the geometry the window was left with.
+  if (!layout || !layout->geometry.isValid()) window.setWindowState(Qt::WindowMaximized);
   window.show();
   if (parser.isSet(connectOption)) connectAccount(window, *settings, parser.value(connectOption));
   if (!file.isEmpty()) window.CheckParam(file);
 
-  const int status = app.exec();
+  // A signal during start-up ended the event loops before this one began.
+  const int status = ending ? 0 : app.exec();
   app.setErrorHandler({});
   if (!saveWindowLayout(window.layout(), layoutFile, &problem))
     std::fprintf(stderr, "lomarin: the window layout was not saved: %s\n", qPrintable(problem));

@@ -1,5 +1,8 @@
+#include <signal.h>
+
 #include <QDataStream>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
@@ -42,6 +45,13 @@ struct SecondProcess {
 };
 
 QStringList sockets(const QString& folder) { return QDir(folder).entryList({"instance-*"}, QDir::System); }
+
+QString socketOf(const QProcess& process) { return QString("instance-%1").arg(process.processId()); }
+
+void signalProcess(const QProcess& process, int signal) { ::kill(pid_t(process.processId()), signal); }
+
+// A second launch gives up on another process within this, start-up included.
+constexpr int kLaunchLimitMs = 6000;
 
 QString writeFile(const QString& folder, const QString& name, const QByteArray& text) {
   const QString path = QDir(folder).filePath(name);
@@ -149,6 +159,86 @@ class InstanceHandoffTest : public QObject {
     QCOMPARE(second.process.exitCode(), 0);
     QVERIFY(QFile::exists(fresh.dir.filePath("data/ide_settings.xml")));
     QCOMPARE(sockets(folder).size(), 1);
+  }
+
+  // The first instance shows a modal error from the moment its listener is up. A file handed to it
+  // meanwhile opens there at once, and SIGTERM ends it with the error still on screen, keeping in
+  // its layout what it opened.
+  void aQuestionOnScreenHoldsNeitherAHandOffNorTheEnd() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    SecondProcess first(fresh.dir.path());
+    first.process.setArguments({"--connect", "nobody"});
+    first.process.start();
+    QTRY_COMPARE_WITH_TIMEOUT(sockets(folder), QStringList{socketOf(first.process)}, 15000);
+
+    const QString file = writeFile(fresh.dir.path(), "handed.txt", "handed over\n");
+    SecondProcess second(fresh.dir.path());
+    second.process.setArguments({file});
+    second.process.start();
+    QTRY_VERIFY_WITH_TIMEOUT(second.process.state() == QProcess::NotRunning, kLaunchLimitMs);
+    QCOMPARE(second.process.exitCode(), 0);
+
+    signalProcess(first.process, SIGTERM);
+    QTRY_VERIFY_WITH_TIMEOUT(first.process.state() == QProcess::NotRunning, kLaunchLimitMs);
+    QCOMPARE(first.process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(first.process.exitCode(), 0);
+    QFile layout(fresh.dir.filePath("data/ide_settings.xml"));
+    QVERIFY(layout.open(QIODevice::ReadOnly));
+    const QByteArray xml = layout.readAll();
+    QVERIFY2(xml.contains("<tbmMRU.MRUList>" + file.toUtf8()), xml.constData());
+    // Nothing was known of the window before: it filled the screen.
+    QVERIFY2(xml.contains("<Tformppal.Maximized>TRUE<"), xml.constData());
+    QCOMPARE(sockets(folder), QStringList());
+  }
+
+  // Two instances that are stopped and cannot answer cost one time-out between them, not one
+  // each; the socket of one that was killed is cleared away.
+  void instancesThatCannotAnswerHoldNoLaunch() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    SecondProcess stopped1(fresh.dir.path()), stopped2(fresh.dir.path()), killed(fresh.dir.path());
+    for (SecondProcess* running : {&stopped1, &stopped2, &killed}) running->process.start();
+    QTRY_COMPARE_WITH_TIMEOUT(sockets(folder).size(), 3, 30000);
+    killed.process.kill();
+    QTRY_VERIFY(killed.process.state() == QProcess::NotRunning);
+    for (SecondProcess* running : {&stopped1, &stopped2}) signalProcess(running->process, SIGSTOP);
+
+    const QString file = writeFile(fresh.dir.path(), "mine.txt", "x\n");
+    SecondProcess launch(fresh.dir.path());
+    launch.process.setArguments({file});
+    launch.process.start();
+    QTRY_VERIFY_WITH_TIMEOUT(sockets(folder).contains(socketOf(launch.process)), kLaunchLimitMs);
+    QCOMPARE(launch.process.state(), QProcess::Running);
+    QVERIFY(!sockets(folder).contains(socketOf(killed.process)));
+    for (SecondProcess* running : {&stopped1, &stopped2}) signalProcess(running->process, SIGCONT);
+  }
+
+  // It answers the find question and then never confirms the file: the launch gives up and says why.
+  void anInstanceThatNeverOpensTheFileIsGivenUp() {
+    lomarin::test::FreshSettings fresh;
+    const QString folder = fresh.dir.filePath("lomarin");
+    QDir().mkpath(folder);
+    QLocalServer stuck;
+    QVERIFY(stuck.listen(QDir(folder).filePath("instance-4242")));
+    connect(&stuck, &QLocalServer::newConnection, this, [&] {
+      QLocalSocket* socket = stuck.nextPendingConnection();
+      connect(socket, &QLocalSocket::readyRead, socket, [socket] {
+        if (socket->property("asked").toBool()) return socket->readAll();
+        socket->setProperty("asked", true);
+        QDataStream(socket) << lomarin::ui::instance::kInstanceReply;
+        return socket->readAll();
+      });
+    });
+    const QString file = writeFile(fresh.dir.path(), "held.txt", "x\n");
+    SecondProcess launch(fresh.dir.path());
+    launch.process.setArguments({file});
+    launch.process.start();
+    QTRY_VERIFY_WITH_TIMEOUT(launch.process.state() == QProcess::NotRunning, kLaunchLimitMs);
+    QCOMPARE(launch.process.exitCode(), 2);
+    const QString said = QString::fromLocal8Bit(launch.process.readAllStandardError());
+    QVERIFY2(said.contains("(process 4242) was handed " + file + " but has not opened it within 5 s"),
+             qPrintable(said));
   }
 
   void aListenerWithTheWrongReplyIsNoInstance() {
