@@ -98,6 +98,8 @@ TWaitPanel::TWaitPanel(QWidget* parent) : QFrame(parent) {
   layout->addWidget(bar_);
   layout->addWidget(stop_);
   connect(stop_, &QPushButton::clicked, this, [this] {
+    // Disabled, the button passes the keyboard on to a neighbour, not back to the editor.
+    stopTookFocus_ = stop_->hasFocus();
     stop_->setEnabled(false);
     stop_->setText("Stopping");
     emit stopClicked();
@@ -107,6 +109,7 @@ TWaitPanel::TWaitPanel(QWidget* parent) : QFrame(parent) {
 
 void TWaitPanel::start(const QString& what) {
   what_->setText(what);
+  if (!isVisible()) focusBefore_ = QApplication::focusWidget();
   stop_->setEnabled(true);
   stop_->setText("Stop");
   if (!clock_.isValid()) clock_.start();
@@ -128,6 +131,9 @@ void TWaitPanel::finish() {
   bar_->setValue(0);
   bar_->setVisible(false);
   hide();
+  if (stopTookFocus_ && focusBefore_) focusBefore_->setFocus(Qt::OtherFocusReason);
+  stopTookFocus_ = false;
+  focusBefore_ = nullptr;
 }
 
 void TWaitPanel::timerEvent(QTimerEvent* event) {

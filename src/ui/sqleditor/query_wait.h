@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QFrame>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <functional>
 #include <string>
@@ -25,6 +26,7 @@ class TWaitPanel : public QFrame {
   void start(const QString& what);
   // Shows the bar from the first call on.
   void setProgress(uint64_t done, uint64_t total);
+  // Gives the keyboard back to the widget that had it at the start, when Stop took it.
   void finish();
 
  signals:
@@ -42,6 +44,8 @@ class TWaitPanel : public QFrame {
   QPushButton* stop_;
   QElapsedTimer clock_;
   int ticker_ = 0;
+  QPointer<QWidget> focusBefore_;
+  bool stopTookFocus_ = false;
 };
 
 // What runs on a session off the UI thread. A document lends the session to a worker through

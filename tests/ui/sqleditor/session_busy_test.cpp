@@ -138,6 +138,36 @@ class SessionBusyTest : public QObject {
     QVERIFY(w.editor->action("actRun")->isEnabled());
   }
 
+  // The wait area counts the seconds; its Stop gives the keyboard back to the editor, so F9 runs
+  // again without a click.
+  void stopInTheEditorGivesTheKeyboardBack() {
+    BusyWindow w;
+    w.window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&w.window));
+    auto* memo = w.editor->frame()->memo();
+    memo->setFocus();
+    QTRY_COMPARE(QApplication::focusWidget(), memo);
+    TWaitPanel* panel = w.editor->waitPanel();
+    int runs = 0;
+    const auto stopOnceShown = [&](bool waitASecond) {
+      QTimer::singleShot(0, [&, waitASecond] {
+        QTRY_VERIFY(panel->isVisible());
+        ++runs;
+        if (waitASecond) QTRY_COMPARE(panel->findChild<QLabel*>("lblElapsed")->text(), QString("1 s"));
+        QTest::mouseClick(panel->findChild<QPushButton*>("btnStop"), Qt::LeftButton);
+      });
+    };
+    stopOnceShown(true);
+    QTest::keyClick(memo, Qt::Key_F9);
+    QCOMPARE(runs, 1);
+    QVERIFY(!panel->isVisible());
+    QCOMPARE(QApplication::focusWidget(), memo);
+    stopOnceShown(false);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F9);
+    QCOMPARE(runs, 2);
+    QCOMPARE(w.sleepsOnServer(), 0);
+  }
+
   // A document that needs the session meanwhile says what runs, waits when asked to, and goes
   // on once the run has been stopped. The question holds only the window that asked.
   void aDocumentNeedingTheSessionAsksStopOrWait() {
