@@ -23,6 +23,7 @@
 #include "engine/connect/accounts.h"
 #include "engine/connect/server_version.h"
 #include "engine/connect/ssh_key_store.h"
+#include "ui/app/action_icons.h"
 #include "ui/app/editor_ex.h"
 #include "ui/app/exception_dialog.h"
 #include "ui/app/explorer/frame_explorer.h"
@@ -72,6 +73,7 @@ Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
   mdiArea_->setViewMode(QMdiArea::TabbedView);
   mdiArea_->setTabsClosable(true);
   setCentralWidget(mdiArea_);
+  new ActionIconGiver(this);
   actions_ = new MainActions(*this);
   createPanes();
   wireSession();
@@ -184,10 +186,11 @@ void Tformppal::registerHandlers() {
 void Tformppal::FormCreate() {
   setWindowTitle(qs(startCaption()));
   const int skinType = qs(settings_.read(opt::SkinType)).toInt();
-  // The skin is the look of the toolbar buttons; every one keeps its caption.
-  const Qt::ToolButtonStyle styles[] = {Qt::ToolButtonTextOnly, Qt::ToolButtonTextBesideIcon,
+  // The skin is the look of the toolbar buttons: the caption beside the icon, the icon alone with
+  // the caption as its tooltip (the default), or the caption under the icon.
+  const Qt::ToolButtonStyle styles[] = {Qt::ToolButtonTextBesideIcon, Qt::ToolButtonIconOnly,
                                         Qt::ToolButtonTextUnderIcon};
-  const auto style = skinType >= 0 && skinType < 3 ? styles[skinType] : Qt::ToolButtonTextBesideIcon;
+  const auto style = skinType >= 0 && skinType < 3 ? styles[skinType] : Qt::ToolButtonIconOnly;
   for (std::string_view name : toolbarNames()) actions_->toolbar(name)->setToolButtonStyle(style);
   outputWithStatement_ = settings_.read(opt::OutputWithStatment);
   outputHeight_ = outputPaneHeight(settings_.read(opt::OutputSize));

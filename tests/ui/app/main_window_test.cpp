@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
+#include <QToolBar>
 #include <QTreeWidget>
 
 #include "engine/app/option_names.h"
@@ -20,6 +21,7 @@
 #include "engine/connect/my_query.h"
 #include "shell_test_support.h"
 #include "test_server.h"
+#include "ui/app/action_icons.h"
 #include "ui/app/editor_ex.h"
 #include "ui/app/exception_dialog.h"
 #include "ui/app/explorer/frame_explorer.h"
@@ -203,6 +205,26 @@ class MainWindowTest : public QObject {
       QVERIFY2(menu && menu->actions().contains(action), expected.name);
       QCOMPARE(menu->title(), QString(expected.category));
     }
+  }
+
+  // Every command on a toolbar shows its icon alone, its caption without the & marks as its
+  // tooltip; the table names only icons the shipped theme has.
+  void toolbarCommandsShowIconsWithTheirCaptionAsTooltip() {
+    lomarin::test::FreshSettings fresh;
+    Tformppal window(*fresh.store);
+    for (const lomarin::ui::ActionIcon& entry : lomarin::ui::actionIcons())
+      QVERIFY2(QIcon::hasThemeIcon(QString::fromUtf8(entry.icon.data(), entry.icon.size())),
+               entry.action.data());
+    int buttons = 0;
+    for (QToolBar* bar : window.findChildren<QToolBar*>()) {
+      QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+      for (QAction* action : bar->actions()) {
+        ++buttons;
+        QVERIFY2(!action->icon().pixmap(22).isNull(), qPrintable(action->objectName()));
+        QCOMPARE(action->toolTip(), action->text().remove('&').trimmed());
+      }
+    }
+    QVERIFY(buttons >= 20);
   }
 
   void startsUnconnectedWithOnlyWorkingCommandsEnabled() {

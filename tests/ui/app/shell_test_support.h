@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "engine/app/settings_store.h"
+#include "render_path.h"
 
 namespace lomarin::test {
 
@@ -30,10 +31,9 @@ void onNextModal(std::function<void(T*)> check) {
   });
 }
 
-// Renders a window to a PNG under $LOMARIN_RENDER_DIR (else the temporary folder) and returns its path.
+// Renders a window to a PNG (see renderPath) and returns its path.
 inline QString render(QWidget& widget, const QString& name) {
-  const QString folder = qEnvironmentVariable("LOMARIN_RENDER_DIR", QDir::tempPath());
-  const QString path = QDir(folder).filePath(name + ".png");
+  const QString path = renderPath(name + ".png");
   widget.grab().save(path);
   return path;
 }

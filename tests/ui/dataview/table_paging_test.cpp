@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "dataview_fixture.h"
+#include "render_path.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/form_data.h"
 #include "ui/dataview/frame_data.h"
@@ -237,7 +238,7 @@ class TablePagingTest : public QObject {
       QDialog* dialog = nullptr;
       QTRY_VERIFY((dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) != nullptr);
       QCOMPARE(dialog->windowTitle(), QString("Limit settings"));
-      dialog->grab().save(QDir::temp().filePath("dataview_limit_settings.png"));
+      dialog->grab().save(lomarin::test::renderPath("dataview_limit_settings.png"));
       dialog->findChild<QSpinBox*>("speLimit")->setValue(60);
       dialog->findChild<QSpinBox*>("speIncrement")->setValue(30);
       dialog->findChild<QAbstractButton*>("btnOk")->click();

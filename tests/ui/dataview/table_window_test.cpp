@@ -9,6 +9,7 @@
 #include <QTreeWidget>
 
 #include "dataview_fixture.h"
+#include "render_path.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/form_data.h"
 #include "ui/dataview/frame_data.h"
@@ -74,7 +75,7 @@ class TableWindowTest : public QObject {
     QVERIFY(script->memo()->isVisible());
     QVERIFY(!script->tree()->isVisible());
     window->parentWidget()->showMaximized();
-    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_script_tab.png")));
+    QVERIFY(f.area.grab().save(lomarin::test::renderPath("dataview_script_tab.png")));
 
     // Another database's table is named with its database.
     TformData* other = openTableWindow(&f.area, *f.session, *f.settings, "mysql", "db", false);
@@ -122,12 +123,12 @@ class TableWindowTest : public QObject {
     window->parentWidget()->showMaximized();
     QCOMPARE(window->frameData()->model()->rowCount(), 100);
     QCOMPARE(window->frameData()->Paging().LastPageStart(), int64_t(100000));
-    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_order_items.png")));
+    QVERIFY(f.area.grab().save(lomarin::test::renderPath("dataview_order_items.png")));
     auto* pages = window->frameData()->findChild<QTabWidget*>("pgcData");
     pages->setCurrentIndex(1);
-    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_order_items_form.png")));
+    QVERIFY(f.area.grab().save(lomarin::test::renderPath("dataview_order_items_form.png")));
     window->tabs()->setCurrentIndex(1);
-    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_order_items_columns.png")));
+    QVERIFY(f.area.grab().save(lomarin::test::renderPath("dataview_order_items_columns.png")));
   }
 };
 

@@ -8,6 +8,7 @@
 #include <QToolButton>
 
 #include "dataview_fixture.h"
+#include "render_path.h"
 #include "test_server.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/form_data.h"
@@ -65,7 +66,7 @@ class UnsavedRowTest : public QObject {
     QVERIFY(!model->data(model->index(1, 0), Qt::BackgroundRole).isValid());
     QVERIFY(!model->headerData(1, Qt::Vertical, Qt::DecorationRole).isValid());
     window->parentWidget()->showMaximized();
-    QVERIFY(f.area.grab().save(QDir::temp().filePath("dataview_unsaved_row.png")));
+    QVERIFY(f.area.grab().save(lomarin::test::renderPath("dataview_unsaved_row.png")));
 
     // Leaving the row asks; No stays on it with the change.
     QString question;

@@ -14,6 +14,7 @@
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
+#include "render_path.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/memo_commands.h"
 #include "ui_test_registry.h"
@@ -162,7 +163,7 @@ class SqlFrameTest : public QObject {
     QVERIFY(gutterImageOn(f.memo(), 1));
     QVERIFY(!gutterImageOn(f.memo(), 2));
     QWidget* render = f.frame;
-    QVERIFY(render->grab().save(QDir::temp().filePath("sql_frame_bookmark.png")));
+    QVERIFY(render->grab().save(lomarin::test::renderPath("sql_frame_bookmark.png")));
 
     // Setting it again elsewhere moves it; a set never toggles it off.
     f.memo()->setCursorPosition(2, 0);
