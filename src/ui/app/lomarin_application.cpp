@@ -1,5 +1,6 @@
 #include "ui/app/lomarin_application.h"
 
+#include <QIcon>
 #include <cstdio>
 
 #include "engine/app/shell_text.h"
@@ -8,6 +9,9 @@ namespace lomarin::ui {
 
 LomarinApplication::LomarinApplication(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName(QString::fromUtf8(kProductTitle.data(), kProductTitle.size()));
+  // The installed launcher entry and icon: the desktop groups the windows under them.
+  setDesktopFileName("com.kestrova.Lomarin");
+  setWindowIcon(QIcon::fromTheme("lomarin"));
 }
 
 bool LomarinApplication::notify(QObject* receiver, QEvent* event) {
