@@ -196,8 +196,11 @@ QVariant TDataModel::data(const QModelIndex& index, int role) const {
       return cell(index.row(), index.column()).null ? QVariant(QBrush(QColor(Qt::gray))) : QVariant();
     case Qt::TextAlignmentRole:
       return dataview::IsNumberField(field) ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter)) : QVariant();
-    case Qt::BackgroundRole:
-      return isPendingRow(index.row()) ? QVariant(QBrush(kUnsavedRow)) : QVariant();
+    case Qt::BackgroundRole: {
+      if (isPendingRow(index.row())) return QBrush(kUnsavedRow);
+      const QColor colour = rowColour ? rowColour(index.row()) : QColor();
+      return colour.isValid() ? QVariant(QBrush(colour)) : QVariant();
+    }
     case Qt::ToolTipRole:
       return isPendingRow(index.row()) ? headerData(index.row(), Qt::Vertical, role) : QVariant();
     default:

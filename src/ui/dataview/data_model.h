@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QColor>
 #include <functional>
 #include <map>
 #include <memory>
@@ -76,6 +77,10 @@ class TDataModel : public QAbstractTableModel {
   void revertRow(int row);
   // Deletes the rows on the server, last first; stops at the first failure.
   bool deleteRows(std::vector<int> rows);
+
+  // Paints whole rows (a process list by its command, say); an invalid colour leaves the row as
+  // it is, and a row not saved keeps its own colour.
+  std::function<QColor(int row)> rowColour;
 
   // Reports of failed posts: server errors (also seen by the session's OnError), refused values
   // and wrong row counts.
