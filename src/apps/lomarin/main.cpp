@@ -1,3 +1,4 @@
+#include "ui/admin/admin_commands.h"
 #include "ui/app/startup.h"
 #include "ui/compare/datasync_commands.h"
 #include "ui/compare/schema_compare_commands.h"
@@ -13,5 +14,5 @@ int main(int argc, char** argv) {
       {lomarin::ui::installTransferCommands, lomarin::ui::installDataviewCommands,
        lomarin::ui::installSqlEditorCommands, lomarin::ui::installDesignersCommands,
        lomarin::ui::installUsersCommands, lomarin::ui::installDataSyncCommands,
-       lomarin::ui::installSchemaCompareCommands});
+       lomarin::ui::installSchemaCompareCommands, lomarin::ui::installAdminCommands});
 }

@@ -16,7 +16,7 @@ TStatusChartView::TStatusChartView(const admin::TStatusChart& chart, QWidget* pa
   time_->setTitleText("Seconds");
   time_->setLabelFormat("%.1f");
   values_->setTitleText(QString::fromStdString(chart.ValueAxis));
-  values_->setLabelFormat("%.0f");
+  values_->setLabelFormat("%g");
   c->addAxis(time_, Qt::AlignBottom);
   c->addAxis(values_, Qt::AlignLeft);
   for (const std::string& name : chart.Series) {
