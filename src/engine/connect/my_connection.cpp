@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "engine/connect/binary_result.h"
 #include "engine/connect/connect_attempt.h"
 #include "engine/connect/my_query.h"
 #include "engine/connect/server_version.h"
@@ -208,6 +209,25 @@ void TMyConnection::Impl::send(std::string_view sql, std::string_view traced) {
       }
     }
   }
+}
+
+std::unique_ptr<TBinaryResult> TMyConnection::Impl::sendPrepared(std::string_view sql,
+                                                                 std::string_view traced) {
+  awaitTurn();
+  if (!mysql || !(startsWithWords(sql, "SELECT") || startsWithWords(sql, "WITH"))) return nullptr;
+  releasePending();
+  // A lost connection is left to send(), which knows how to come back.
+  if (lostBeforeSending()) return nullptr;
+  std::unique_ptr<TBinaryResult> result = TBinaryResult::Prepare(mysql, sql);
+  if (!result) return nullptr;
+  if (monitor) monitor->trace(traced.empty() ? sql : traced);
+  try {
+    result->Execute();
+  } catch (const ServerError& error) {
+    if (isConnectionLost(error.number())) return nullptr;
+    fail(error);
+  }
+  return result;
 }
 
 void TMyConnection::Impl::syncMultiStatements() {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "engine/connect/binary_result.h"
 #include "engine/connect/row_store.h"
 #include "engine/connect/session_impl.h"
 
@@ -18,9 +19,10 @@ struct TMyQuery::Impl {
   TMyConnection::Impl& session() { return *connection.d; }
 
   bool active = false;
-  MYSQL_RES* result = nullptr;  // an unbuffered result still being read
-  bool morePending = false;     // further results of the request are unread
-  bool ended = false;           // a UniDirectional result cut short by another statement
+  MYSQL_RES* result = nullptr;            // an unbuffered result still being read
+  std::unique_ptr<TBinaryResult> binary;  // or a prepared statement's, still being read
+  bool morePending = false;               // further results of the request are unread
+  bool ended = false;                     // a UniDirectional result cut short by another statement
   std::vector<TMyField> fields;
   RowStore rows;
   // UniDirectional: the current row points into the client library's buffer.
@@ -32,21 +34,21 @@ struct TMyQuery::Impl {
   uint64_t insertId = 0;
   unsigned warnings = 0;
 
-  bool holdsConnection() const { return result != nullptr || morePending; }
+  bool reading() const { return result != nullptr || binary != nullptr; }
+  bool holdsConnection() const { return reading() || morePending; }
   void claimConnection() { session().pending = holdsConnection() ? &self : nullptr; }
   void leaveConnection() {
     if (session().pending == &self) session().pending = nullptr;
   }
   void readResult(bool uniDirectional);
+  void readBinaryResult(bool uniDirectional);
   bool fetchRow(bool keep);
   void finishResult();
   void dropRest();
   void checkNextResult(int status);
 };
 
-namespace {
-
-TMyField fieldOf(const MYSQL_FIELD& f) {
+TMyField FieldOf(const MYSQL_FIELD& f) {
   TMyField field;
   field.Name.assign(f.name, f.name_length);
   field.OrgName.assign(f.org_name, f.org_name_length);
@@ -60,6 +62,8 @@ TMyField fieldOf(const MYSQL_FIELD& f) {
   field.CharsetNr = f.charsetnr;
   return field;
 }
+
+namespace {
 
 static_assert(static_cast<int>(TMyFieldType::NewDecimal) == MYSQL_TYPE_NEWDECIMAL);
 static_assert(static_cast<int>(TMyFieldType::Geometry) == MYSQL_TYPE_GEOMETRY);
@@ -85,7 +89,7 @@ void TMyQuery::Impl::readResult(bool uniDirectional) {
     const unsigned count = mysql_num_fields(result);
     MYSQL_FIELD* raw = mysql_fetch_fields(result);
     fields.reserve(count);
-    for (unsigned i = 0; i < count; ++i) fields.push_back(fieldOf(raw[i]));
+    for (unsigned i = 0; i < count; ++i) fields.push_back(FieldOf(raw[i]));
     rows.reset(uniDirectional ? 0 : count);
     rowsAffected = 0;
   }
@@ -93,17 +97,47 @@ void TMyQuery::Impl::readResult(bool uniDirectional) {
   claimConnection();
 }
 
+void TMyQuery::Impl::readBinaryResult(bool uniDirectional) {
+  fields = binary->Fields();
+  rows.reset(uniDirectional ? 0 : fields.size());
+  recNo.reset();
+  rowsSeen = 0;
+  currentRow = nullptr;
+  warnings = mysql_warning_count(session().mysql);
+  rowsAffected = 0;
+  morePending = false;
+  claimConnection();
+}
+
 bool TMyQuery::Impl::fetchRow(bool keep) {
-  if (!result) return false;
-  MYSQL_ROW row = mysql_fetch_row(result);
-  if (!row) {
-    const bool failed = mysql_errno(session().mysql) != 0;
-    ServerError error = session().currentError();
-    finishResult();
-    if (failed) session().fail(error);
-    return false;
+  MYSQL_ROW row = nullptr;
+  unsigned long* lengths = nullptr;
+  if (binary) {
+    bool fetched = false;
+    try {
+      fetched = binary->Fetch();
+    } catch (const ServerError& error) {
+      finishResult();
+      session().fail(error);
+    }
+    if (!fetched) {
+      finishResult();
+      return false;
+    }
+    row = binary->Row();
+    lengths = binary->Lengths();
+  } else {
+    if (!result) return false;
+    row = mysql_fetch_row(result);
+    if (!row) {
+      const bool failed = mysql_errno(session().mysql) != 0;
+      ServerError error = session().currentError();
+      finishResult();
+      if (failed) session().fail(error);
+      return false;
+    }
+    lengths = mysql_fetch_lengths(result);
   }
-  unsigned long* lengths = mysql_fetch_lengths(result);
   ++rowsSeen;
   if (keep) {
     rows.append(row, lengths);
@@ -117,6 +151,7 @@ bool TMyQuery::Impl::fetchRow(bool keep) {
 void TMyQuery::Impl::finishResult() {
   if (result) mysql_free_result(result);
   result = nullptr;
+  binary.reset();
   if (!morePending) leaveConnection();
 }
 
@@ -129,6 +164,7 @@ void TMyQuery::Impl::checkNextResult(int status) {
 }
 
 void TMyQuery::Impl::dropRest() {
+  binary.reset();  // reads and drops the remaining rows
   if (result) {
     mysql_free_result(result);  // reads and drops the remaining rows
     result = nullptr;
@@ -158,9 +194,15 @@ TMyQuery::~TMyQuery() {
 void TMyQuery::Open() {
   Close();
   d->ended = false;
-  d->session().send(SQL, TracedSQL);
-  d->active = true;
-  d->readResult(UniDirectional);
+  if (ExactFloats) d->binary = d->session().sendPrepared(SQL, TracedSQL);
+  if (d->binary) {
+    d->active = true;
+    d->readBinaryResult(UniDirectional);
+  } else {
+    d->session().send(SQL, TracedSQL);
+    d->active = true;
+    d->readResult(UniDirectional);
+  }
   if (FetchAll && !UniDirectional) FetchRest();
 }
 
@@ -226,7 +268,7 @@ size_t TMyQuery::RecNo() const { return d->recNo.value_or(0); }
 
 size_t TMyQuery::RecordCount() const { return UniDirectional ? d->rowsSeen : d->rows.rowCount(); }
 
-bool TMyQuery::Eof() const { return d->result == nullptr; }
+bool TMyQuery::Eof() const { return !d->reading(); }
 
 void TMyQuery::FetchRest() {
   if (UniDirectional) {
@@ -251,6 +293,7 @@ std::string_view TMyQuery::Value(size_t column) const {
 }
 
 bool TMyQuery::NextResult() {
+  d->binary.reset();
   if (d->result) {
     mysql_free_result(d->result);
     d->result = nullptr;
@@ -272,7 +315,7 @@ bool TMyQuery::MoreResults() const { return d->morePending; }
 
 bool TMyQuery::TakeNextResult(TMyQuery& source) {
   if (&source.d->connection != &d->connection) throw std::logic_error("queries of different sessions");
-  if (source.d->result) throw std::logic_error("the current result is still being read");
+  if (source.d->reading()) throw std::logic_error("the current result is still being read");
   if (!source.d->morePending) return false;
   Close();
   source.d->morePending = false;
@@ -290,7 +333,7 @@ unsigned TMyQuery::WarningCount() const { return d->warnings; }
 
 void TMyQuery::releaseConnection() {
   if (UniDirectional) {
-    d->ended = d->result != nullptr;
+    d->ended = d->reading();
     d->dropRest();
     return;
   }

@@ -32,6 +32,10 @@ class TMyQuery {
   std::string TracedSQL;
   bool UniDirectional = false;
   bool FetchAll = true;
+  // The server's text for FLOAT has six significant digits. With this set, a SELECT whose result
+  // has a FLOAT column runs as a prepared statement and such a cell holds the shortest text that
+  // reloads as the stored value; a statement the server cannot prepare runs as text.
+  bool ExactFloats = false;
 
   // Sends SQL and reads the first result's columns. A statement without a result set gives no
   // fields and no rows.

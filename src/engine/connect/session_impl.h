@@ -12,13 +12,16 @@
 
 #include "engine/connect/http_tunnel.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/my_field.h"
 
 namespace lomarin {
 
 class ConnectAttempt;
+class TBinaryResult;
 class TMySQLMonitor;
 
 ServerError errorOf(MYSQL* mysql);
+TMyField FieldOf(const MYSQL_FIELD& field);
 
 struct TMyConnection::Impl {
   explicit Impl(TMyConnection& owner) : owner(owner) {}
@@ -67,6 +70,9 @@ struct TMyConnection::Impl {
   // asks for it. Throws ServerError. The monitor shows traced when it is
   // not empty.
   void send(std::string_view sql, std::string_view traced = {});
+  // Runs a SELECT as a prepared statement when its result has a FLOAT column; null when it has none
+  // or cannot run so (then nothing was sent and send() is the way). Throws ServerError.
+  std::unique_ptr<TBinaryResult> sendPrepared(std::string_view sql, std::string_view traced = {});
   [[noreturn]] void fail(const ServerError& error);
   ServerError currentError() const { return errorOf(mysql); }
   void releasePending();

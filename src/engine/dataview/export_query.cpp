@@ -65,6 +65,7 @@ uint64_t ExportQuery(TMyConnection& session, const std::string& sql, TExportForm
   query.SQL = sql;
   query.UniDirectional = true;
   query.FetchAll = false;
+  query.ExactFloats = true;
   query.Open();
   uint64_t rows = 0;
   if (format == TExportFormat::Xlsx) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <optional>
 #include <regex>
 #include <stdexcept>
@@ -16,6 +17,18 @@ namespace {
 bool isNumberText(std::string_view text) {
   static const std::regex number(R"([+-]?(\d+(\.\d*)?|\.\d+)([eE][+-]?\d+)?)");
   return std::regex_match(text.begin(), text.end(), number);
+}
+
+// A FLOAT compared with a DOUBLE literal is compared as DOUBLE; the stored value widened, written
+// with an exponent so that it is a DOUBLE literal, matches it where its shortest text may not.
+std::string floatKeyLiteral(std::string_view text) {
+  float value = 0;
+  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size()) return std::string(text);
+  char wide[32];
+  return {
+      wide,
+      std::to_chars(wide, wide + sizeof wide, static_cast<double>(value), std::chars_format::scientific).ptr};
 }
 
 std::string hexLiteral(std::string_view bytes) {
@@ -162,7 +175,9 @@ std::string TRowWriter::whereKey(const TRecord& before, size_t alias) const {
     if (before.at(column).null)
       throw std::invalid_argument("The key column " + BackQuote(fields_[column].OrgName) + " is NULL");
     if (i) out += " AND ";
-    out += BackQuote(fields_[column].OrgName) + " = " + Literal(column, before[column]);
+    const std::string literal = Literal(column, before[column]);
+    out += BackQuote(fields_[column].OrgName) + " = " +
+           (fields_[column].Type == TMyFieldType::Float ? floatKeyLiteral(literal) : literal);
   }
   return out;
 }

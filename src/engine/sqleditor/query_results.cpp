@@ -23,6 +23,7 @@ TQueryRun OpenQueryRun(TMyConnection& session, const std::string& sql, bool fetc
   auto first = std::make_unique<TMyQuery>(session);
   first->SQL = sql;
   first->FetchAll = fetchAll;
+  first->ExactFloats = true;
   first->Open();
   while (first->Fields().empty() && first->NextResult()) {
   }

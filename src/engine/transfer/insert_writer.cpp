@@ -1,5 +1,6 @@
 #include "engine/transfer/insert_writer.h"
 
+#include "engine/connect/float_text.h"
 #include "engine/transfer/sql_text.h"
 
 namespace lomarin {

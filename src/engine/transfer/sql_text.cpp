@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
-#include <cmath>
-#include <limits>
 
 #include "engine/connect/escape.h"
 
@@ -191,24 +188,6 @@ void AppendLiteral(std::string& out, TMyConnection& connection, const TMyField& 
   out += '\'';
   AppendEscapedString(connection, value, out);
   out += '\'';
-}
-
-void AppendFloatLiteral(std::string& out, std::string_view exactDouble) {
-  double wide = 0;
-  const auto parsed = std::from_chars(exactDouble.data(), exactDouble.data() + exactDouble.size(), wide);
-  const auto narrow = static_cast<float>(wide);
-  char text[32];
-  const auto written = std::to_chars(text, text + sizeof text, narrow);
-  // The server reads a literal as DOUBLE, refuses one beyond the FLOAT range, and rounds the rest
-  // to FLOAT: that path must give the value.
-  double reread = 0;
-  std::from_chars(text, written.ptr, reread);
-  if (parsed.ec != std::errc() || static_cast<double>(narrow) != wide ||
-      std::abs(reread) > std::numeric_limits<float>::max() || static_cast<float>(reread) != narrow) {
-    out += exactDouble;
-    return;
-  }
-  out.append(text, written.ptr);
 }
 
 }  // namespace lomarin

@@ -25,8 +25,4 @@ std::string QuotedString(TMyConnection& connection, std::string_view value);
 void AppendLiteral(std::string& out, TMyConnection& connection, const TMyField& field, std::string_view value,
                    bool isNull, bool hexBlob);
 
-// Appends a FLOAT value, given as the text of the same value widened to DOUBLE, as the shortest
-// text that loads back into a FLOAT column as that value; the DOUBLE text where none is shorter.
-void AppendFloatLiteral(std::string& out, std::string_view exactDouble);
-
 }  // namespace lomarin

@@ -74,6 +74,7 @@ void TDataModel::open(const std::string& sql, bool fetchAll) {
   auto query = std::make_unique<TMyQuery>(session_);
   query->SQL = sql;
   query->FetchAll = fetchAll;
+  query->ExactFloats = true;
   query->Open();
   adopt(std::move(query));
 }

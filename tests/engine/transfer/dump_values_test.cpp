@@ -6,6 +6,7 @@
 #include <random>
 
 #include "dump_fixture.h"
+#include "engine/connect/float_text.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/my_script.h"
 #include "engine/transfer/sql_text.h"

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDateTimeEdit>
+#include <QFile>
 #include <QMessageBox>
 #include <QTableView>
 #include <QTest>
@@ -219,6 +220,55 @@ class EditingTest : public QObject {
     QCOMPARE(
         f.takeStatements(),
         (std::vector<std::string>{"UPDATE `lomarin_test`.`dates` SET `d` = '2024-02-29' WHERE `id` = 1"}));
+  }
+
+  // FLOAT keeps every digit in the grid, through an edit keyed on it and in an export; the
+  // server's own text has six.
+  void floatsAreShownWrittenAndExportedExactly() {
+    test::sideExec("DROP TABLE IF EXISTS lomarin_test.gauges");
+    test::sideExec(
+        "CREATE TABLE lomarin_test.gauges (id INT, reading FLOAT NOT NULL, note VARCHAR(10), "
+        "PRIMARY KEY (id, reading))");
+    test::sideExec(
+        "INSERT INTO lomarin_test.gauges VALUES (1, 1234567, 'a'), (2, 0.1, 'b'), "
+        "(3, 3.4028234663852886e38, 'c'), (4, -1e-7, NULL)");
+    test::DataviewFixture f("lomarin_test");
+    Grid grid(f);
+    QVERIFY(grid.frame.OpenSQL("select * from gauges order by id"));
+    const QStringList exact{"1234567", "0.1", "3.4028234663852886e+38", "-1e-07"};
+    for (int row = 0; row < 4; ++row) QCOMPARE(grid.text(row, 1), exact[row]);
+    f.takeStatements();
+    for (int row = 0; row < 4; ++row) QVERIFY(grid.edit(row, 2, "new"));
+    QCOMPARE(
+        f.takeStatements(),
+        (std::vector<std::string>{
+            "UPDATE `lomarin_test`.`gauges` SET `note` = 'new' WHERE `id` = 1 AND `reading` = 1.234567e+06",
+            "UPDATE `lomarin_test`.`gauges` SET `note` = 'new' WHERE `id` = 2 AND `reading` = "
+            "1.0000000149011612e-01",
+            "UPDATE `lomarin_test`.`gauges` SET `note` = 'new' WHERE `id` = 3 AND `reading` = "
+            "3.4028234663852886e+38",
+            "UPDATE `lomarin_test`.`gauges` SET `note` = 'new' WHERE `id` = 4 AND `reading` = "
+            "-1.0000000116860974e-07"}));
+    const auto stored = [&] {
+      return test::scalar(*f.session,
+                          "select group_concat(concat(reading * 1e0, ' ', note) order by id separator ';') "
+                          "from gauges");
+    };
+    QCOMPARE(stored(), std::string("1234567 new;0.10000000149011612 new;3.4028234663852886e38 new;"
+                                   "-0.00000010000000116860974 new"));
+    // A value written from the grid's text stores the same value.
+    QVERIFY(grid.edit(1, 1, grid.text(2, 1)));
+    QVERIFY(grid.edit(1, 1, exact[1]));
+    QCOMPARE(stored(), std::string("1234567 new;0.10000000149011612 new;3.4028234663852886e38 new;"
+                                   "-0.00000010000000116860974 new"));
+
+    const QString file = f.folder.filePath("gauges.csv");
+    QVERIFY(grid.frame.ExportTo(dataview::TExportFormat::Csv, file));
+    QFile csv(file);
+    QVERIFY(csv.open(QIODevice::ReadOnly));
+    QCOMPARE(csv.readAll(), QByteArray("id,reading,note\r\n1,1234567,new\r\n2,0.1,new\r\n"
+                                       "3,3.4028234663852886e+38,new\r\n4,-1e-07,new\r\n"));
+    QVERIFY(grid.shown.isEmpty());
   }
 
   void keylessTableIsReadOnlyWithItsReason() {
