@@ -26,18 +26,19 @@ TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesyst
 
 namespace {
 
-void PrepareAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
-                          const std::filesystem::path& keyStoreFolder) {
+bool PrepareAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
+                          const std::filesystem::path& keyStoreFolder, const TTunnelOpener& open) {
   // Disconnecting closes the tunnel in the main window's after-disconnect step: first, then.
   if (session.Connected()) session.Disconnect();
   session.Settings.TunnelPort = 0;
   // The HTTP tunnel, which the session opens itself, goes to the server without SSH.
   if (!account.UseSSH || account.UsePHP) {
     tunnel.Close();
-    return;
+    return true;
   }
-  tunnel.Open(tunnelSettingsOf(account, keyStoreFolder));
+  if (!open(tunnel, tunnelSettingsOf(account, keyStoreFolder))) return false;
   session.Settings.TunnelPort = tunnel.LocalPort();
+  return true;
 }
 
 void CloseTunnelUnlessConnected(TMyConnection& session, TSshTunnel& tunnel) {
@@ -49,9 +50,9 @@ void CloseTunnelUnlessConnected(TMyConnection& session, TSshTunnel& tunnel) {
 }  // namespace
 
 bool ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
-                                 const std::filesystem::path& keyStoreFolder,
+                                 const std::filesystem::path& keyStoreFolder, const TTunnelOpener& open,
                                  const std::function<bool()>& connect) {
-  PrepareAccountTunnel(session, tunnel, account, keyStoreFolder);
+  if (!PrepareAccountTunnel(session, tunnel, account, keyStoreFolder, open)) return false;
   try {
     const bool connected = connect();
     CloseTunnelUnlessConnected(session, tunnel);
@@ -64,7 +65,11 @@ bool ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, con
 
 void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                                  const std::filesystem::path& keyStoreFolder) {
-  ConnectThroughAccountTunnel(session, tunnel, account, keyStoreFolder, [&session] {
+  const auto open = [](TSshTunnel& opened, const TSshTunnelSettings& settings) {
+    opened.Open(settings);
+    return true;
+  };
+  ConnectThroughAccountTunnel(session, tunnel, account, keyStoreFolder, open, [&session] {
     session.Connect();
     return true;
   });

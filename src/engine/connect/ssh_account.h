@@ -14,12 +14,15 @@ class TMyConnection;
 // account's port when that is not a number) as the target, and its time-out.
 TSshTunnelSettings tunnelSettingsOf(const TAccount& account, const std::filesystem::path& keyStoreFolder);
 
+// Opens the tunnel with the settings; false when the user gave it up.
+using TTunnelOpener = std::function<bool(TSshTunnel&, const TSshTunnelSettings&)>;
+
 // Runs connect around the account's SSH tunnel: a connected session is disconnected first, the
-// tunnel is opened and the session pointed at it when the account uses one (closed otherwise), and
-// no tunnel stays open unless the session connected. Returns what connect returns (false: given
-// up). Throws TSshError, or what connect throws.
+// tunnel is opened by open and the session pointed at it when the account uses one (closed
+// otherwise), and no tunnel stays open unless the session connected. Returns false when open or
+// connect was given up, else what connect returns. Throws TSshError, or what connect throws.
 bool ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
-                                 const std::filesystem::path& keyStoreFolder,
+                                 const std::filesystem::path& keyStoreFolder, const TTunnelOpener& open,
                                  const std::function<bool()>& connect);
 // The same with the session's own blocking connect. Throws TSshError or ServerError.
 void ConnectThroughAccountTunnel(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,

@@ -8,7 +8,9 @@
 
 #include <array>
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "engine/connect/loopback_listener.h"
@@ -18,6 +20,53 @@
 
 namespace lomarin {
 
+namespace {
+
+// One login on a thread of its own, which shares nothing but this object: the tunnel may drop it
+// at any moment, and the thread then ends the login it made by itself.
+class SshLoginAttempt {
+ public:
+  static std::shared_ptr<SshLoginAttempt> start(const TSshTunnelSettings& settings) {
+    auto attempt = std::make_shared<SshLoginAttempt>();
+    std::thread([attempt, settings] { attempt->run(settings); }).detach();
+    return attempt;
+  }
+  bool waitFor(std::chrono::milliseconds timeout) {
+    std::unique_lock lock(mutex_);
+    return ended_.wait_for(lock, timeout, [this] { return done_; });
+  }
+  SshSession take() {
+    std::unique_lock lock(mutex_);
+    ended_.wait(lock, [this] { return done_; });
+    if (error_) throw TSshError(*error_);
+    return std::move(session_);
+  }
+
+ private:
+  void run(const TSshTunnelSettings& settings) {
+    SshSession session;
+    std::optional<std::string> error;
+    try {
+      session = OpenSshSession(settings);
+    } catch (const TSshError& e) {
+      error = e.what();
+    }
+    const std::lock_guard lock(mutex_);
+    session_ = std::move(session);
+    error_ = std::move(error);
+    done_ = true;
+    ended_.notify_all();
+  }
+
+  std::mutex mutex_;
+  std::condition_variable ended_;
+  bool done_ = false;
+  SshSession session_;
+  std::optional<std::string> error_;
+};
+
+}  // namespace
+
 struct TSshTunnel::Impl {
   TSshTunnelSettings settings;
   // Used by the forwarding thread only while it runs.
@@ -26,6 +75,9 @@ struct TSshTunnel::Impl {
   int wakeFd = -1;
   std::atomic<int> port{0};
   std::thread thread;
+  // The login under way, between StartOpen and FinishOpen.
+  std::shared_ptr<SshLoginAttempt> login;
+  TSshTunnelSettings loginSettings;
   mutable std::mutex mutex;
   std::string lastError;
 
@@ -82,12 +134,30 @@ TSshTunnel::TSshTunnel() : d(std::make_unique<Impl>()) {}
 TSshTunnel::~TSshTunnel() { Close(); }
 
 void TSshTunnel::Open(const TSshTunnelSettings& settings) {
+  StartOpen(settings);
+  FinishOpen();
+}
+
+void TSshTunnel::StartOpen(const TSshTunnelSettings& settings) {
   Close();
-  auto forwarder = std::make_unique<TSshForwarder>(OpenSshSession(settings));
+  d->loginSettings = settings;
+  d->login = SshLoginAttempt::start(settings);
+}
+
+bool TSshTunnel::WaitOpen(std::chrono::milliseconds timeout) {
+  return !d->login || d->login->waitFor(timeout);
+}
+
+void TSshTunnel::AbandonOpen() { d->login.reset(); }
+
+void TSshTunnel::FinishOpen() {
+  if (!d->login) return;
+  const std::shared_ptr<SshLoginAttempt> login = std::move(d->login);
+  auto forwarder = std::make_unique<TSshForwarder>(login->take());
   const TLoopbackListener listener = listenOnLoopback();
   if (listener.fd < 0) throw TSshError("The tunnel can not listen on a loopback port: " + listener.error);
   d->wakeFd = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  d->settings = settings;
+  d->settings = d->loginSettings;
   d->forwarder = std::move(forwarder);
   d->listenFd = listener.fd;
   d->lastError.clear();
@@ -96,6 +166,7 @@ void TSshTunnel::Open(const TSshTunnelSettings& settings) {
 }
 
 void TSshTunnel::Close() {
+  d->login.reset();
   if (d->thread.joinable()) {
     const uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = ::write(d->wakeFd, &one, sizeof one);

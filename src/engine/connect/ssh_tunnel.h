@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -35,6 +36,13 @@ class TSshTunnel {
   // Logs in (checking the server's host key) and starts listening; an open tunnel is closed
   // first. Throws TSshError, and then nothing is left open.
   void Open(const TSshTunnelSettings& settings);
+  // Open in steps, so that a login that hangs can be given up: StartOpen closes an open tunnel and
+  // logs in on a thread of its own; WaitOpen is true once the login has ended; FinishOpen waits
+  // for it and starts listening, or throws its TSshError; AbandonOpen gives it up at once.
+  void StartOpen(const TSshTunnelSettings& settings);
+  bool WaitOpen(std::chrono::milliseconds timeout);
+  void FinishOpen();
+  void AbandonOpen();
   // Ends the SSH connection and every forwarded connection; the port is no longer listened on.
   void Close();
   bool IsOpen() const;

@@ -9,6 +9,7 @@
 
 #include "engine/connect/my_connection.h"
 #include "engine/connect/ssh_account.h"
+#include "engine/connect/ssh_tunnel.h"
 
 namespace lomarin::ui {
 
@@ -24,10 +25,19 @@ QString targetOf(const TMySessionSettings& s) {
   return QString::fromStdString(s.Server) + ":" + QString::number(s.Port);
 }
 
+// Waits until waitFor (given how long it may block) is true: a moment without a box, then behind
+// TformConnectWait. False when the user cancelled.
+bool waitWithBox(const std::function<bool(std::chrono::milliseconds)>& waitFor, const QString& target,
+                 QWidget* parent) {
+  if (waitFor(kQuiet)) return true;
+  TformConnectWait box([&] { return waitFor(std::chrono::milliseconds(0)); }, target, parent);
+  return box.exec() == QDialog::Accepted;
+}
+
 }  // namespace
 
-TformConnectWait::TformConnectWait(TMyConnection& session, const QString& target, QWidget* parent)
-    : QDialog(parent), session_(session), poll_(new QTimer(this)) {
+TformConnectWait::TformConnectWait(std::function<bool()> ended, const QString& target, QWidget* parent)
+    : QDialog(parent), ended_(std::move(ended)), poll_(new QTimer(this)) {
   setObjectName("TformConnectWait");
   setWindowTitle(tr("Connecting"));
   setWindowModality(Qt::WindowModal);
@@ -49,19 +59,17 @@ TformConnectWait::TformConnectWait(TMyConnection& session, const QString& target
   setMinimumWidth(360);
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
   connect(poll_, &QTimer::timeout, this, [this] {
-    if (session_.WaitConnect(std::chrono::milliseconds(0))) accept();
+    if (ended_()) accept();
   });
   poll_->start(kPollMs);
 }
 
 bool ConnectWithWait(TMyConnection& session, QWidget* parent) {
   session.StartConnect();
-  if (!session.WaitConnect(kQuiet)) {
-    TformConnectWait box(session, targetOf(session.Settings), parent);
-    if (box.exec() != QDialog::Accepted) {
-      session.AbandonConnect();
-      return false;
-    }
+  if (!waitWithBox([&](auto timeout) { return session.WaitConnect(timeout); }, targetOf(session.Settings),
+                   parent)) {
+    session.AbandonConnect();
+    return false;
   }
   session.FinishConnect();
   return session.Connected();
@@ -69,7 +77,17 @@ bool ConnectWithWait(TMyConnection& session, QWidget* parent) {
 
 bool ConnectAccountWithWait(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                             const std::filesystem::path& keyStoreFolder, QWidget* parent) {
-  return ConnectThroughAccountTunnel(session, tunnel, account, keyStoreFolder,
+  const auto openTunnel = [parent](TSshTunnel& opening, const TSshTunnelSettings& settings) {
+    opening.StartOpen(settings);
+    const QString target = QString::fromStdString(settings.Host) + ":" + QString::number(settings.Port);
+    if (!waitWithBox([&](auto timeout) { return opening.WaitOpen(timeout); }, target, parent)) {
+      opening.AbandonOpen();
+      return false;
+    }
+    opening.FinishOpen();
+    return true;
+  };
+  return ConnectThroughAccountTunnel(session, tunnel, account, keyStoreFolder, openTunnel,
                                      [&] { return ConnectWithWait(session, parent); });
 }
 

@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QString>
 #include <filesystem>
+#include <functional>
 
 class QTimer;
 
@@ -20,19 +21,20 @@ namespace lomarin::ui {
 // error event has seen it first).
 bool ConnectWithWait(TMyConnection& session, QWidget* parent);
 // The same through the account's SSH tunnel when it asks for one (opened first, closed again
-// unless the session connected). Throws TSshError or ServerError.
+// unless the session connected), the SSH login behind the same wait box. Throws TSshError or
+// ServerError.
 bool ConnectAccountWithWait(TMyConnection& session, TSshTunnel& tunnel, const TAccount& account,
                             const std::filesystem::path& keyStoreFolder, QWidget* parent);
 
-// The wait box over a connect under way: it ends by itself (accepted) when the attempt has ended,
-// or rejected when the user cancels or presses Escape.
+// The wait box over a connect under way: it ends by itself (accepted) once ended() is true, or
+// rejected when the user cancels or presses Escape.
 class TformConnectWait : public QDialog {
   Q_OBJECT
  public:
-  TformConnectWait(TMyConnection& session, const QString& target, QWidget* parent);
+  TformConnectWait(std::function<bool()> ended, const QString& target, QWidget* parent);
 
  private:
-  TMyConnection& session_;
+  std::function<bool()> ended_;
   QTimer* poll_;
 };
 

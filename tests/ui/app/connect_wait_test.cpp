@@ -22,7 +22,13 @@ using lomarin::ui::TframeAccount;
 class ConnectWaitTest : public QObject {
   Q_OBJECT
  private slots:
+  void silentServerLeavesTheWindowAliveAndCancelReturnsAtOnce_data() {
+    QTest::addColumn<bool>("ssh");
+    QTest::newRow("MySQL server") << false;
+    QTest::newRow("SSH server of the tunnel") << true;
+  }
   void silentServerLeavesTheWindowAliveAndCancelReturnsAtOnce() {
+    QFETCH(bool, ssh);
     // Takes the TCP connection and never sends the server's greeting.
     QTcpServer silent;
     QVERIFY(silent.listen(QHostAddress::LocalHost));
@@ -39,6 +45,14 @@ class ConnectWaitTest : public QObject {
     typed.Login = "someone";
     typed.Server = "127.0.0.1";
     typed.Port = silent.serverPort();
+    if (ssh) {
+      typed.UseSSH = true;
+      typed.SSHServer = "127.0.0.1";
+      typed.SSHPort = silent.serverPort();
+      typed.SSHLogin = "someone";
+      typed.SSHPassword = "secret";
+      typed.Port = 3306;
+    }
     typed.Database = "shop";
     typed.Timeout = 0;
     qint64 cancelMs = -1;
@@ -55,7 +69,7 @@ class ConnectWaitTest : public QObject {
         const int seen = ticks;
         QTRY_VERIFY(ticks > seen + 5);
         QVERIFY(!window.grab().isNull());
-        lomarin::test::render(*box, "connect_wait");
+        lomarin::test::render(*box, ssh ? "connect_wait_ssh" : "connect_wait");
         sinceCancel.start();
         QTest::mouseClick(box->findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
       });
