@@ -80,4 +80,23 @@ ParsedArgs parseArgs(const std::vector<std::string>& args) {
   return parsed;
 }
 
+bool readTargetOption(const std::string& name, const std::function<std::string()>& value,
+                      TMySessionSettings& target) {
+  if (name == "--target-host") {
+    target.Server = value();
+  } else if (name == "--target-port") {
+    target.Port = parsePort(value());
+    target.Protocol = TMyProtocol::TCP;
+  } else if (name == "--target-user") {
+    target.Username = value();
+  } else if (name == "--target-password") {
+    target.Password = value();
+  } else if (name == "--target-socket") {
+    target.SocketPath = value();
+  } else {
+    return false;
+  }
+  return true;
+}
+
 }  // namespace lomarin::cli

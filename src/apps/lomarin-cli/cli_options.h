@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,5 +21,10 @@ struct ParsedArgs {
 // --compress, as "--name=value" or "--name value", and --account. Throws std::invalid_argument on
 // a bad one.
 ParsedArgs parseArgs(const std::vector<std::string>& args);
+
+// Reads one of --target-host/-port/-user/-password/-socket into target; false when name is none of
+// them. value() is asked only for a target option, so it may throw for a missing "=VALUE".
+bool readTargetOption(const std::string& name, const std::function<std::string()>& value,
+                      TMySessionSettings& target);
 
 }  // namespace lomarin::cli

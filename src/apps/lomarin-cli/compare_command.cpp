@@ -77,21 +77,7 @@ void readFlags(const ParsedArgs& args, CompareFlags& flags) {
       flags.server.Names = value();
     } else if (name == "--result-file") {
       flags.resultFile = value();
-    } else if (name == "--target-host") {
-      flags.target.Server = value();
-      flags.ownTarget = true;
-    } else if (name == "--target-port") {
-      flags.target.Port = std::stoi(value());
-      flags.target.Protocol = TMyProtocol::TCP;
-      flags.ownTarget = true;
-    } else if (name == "--target-user") {
-      flags.target.Username = value();
-      flags.ownTarget = true;
-    } else if (name == "--target-password") {
-      flags.target.Password = value();
-      flags.ownTarget = true;
-    } else if (name == "--target-socket") {
-      flags.target.SocketPath = value();
+    } else if (readTargetOption(name, value, flags.target)) {
       flags.ownTarget = true;
     } else if (flag == "--case-insensitive") {
       flags.caseSensitive = false;

@@ -69,17 +69,8 @@ void readFlags(const ParsedArgs& args, SyncFlags& flags, TDataSyncSettings& sett
       settings.BlobFileName = needValue();
     } else if (name == "--charset") {
       settings.Charset = needValue();
-    } else if (name == "--target-host") {
-      settings.Target.Server = needValue();
-    } else if (name == "--target-port") {
-      settings.Target.Port = std::stoi(needValue());
-      settings.Target.Protocol = TMyProtocol::TCP;
-    } else if (name == "--target-user") {
-      settings.Target.Username = needValue();
-    } else if (name == "--target-password") {
-      settings.Target.Password = needValue();
-    } else if (name == "--target-socket") {
-      settings.Target.SocketPath = needValue();
+    } else if (readTargetOption(name, needValue, settings.Target)) {
+      // read into the target settings
     } else if (flag == "--hex-blob") {
       settings.HexBlobs = true;
     } else if (flag == "--case-insensitive") {
