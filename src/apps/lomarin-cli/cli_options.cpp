@@ -80,19 +80,30 @@ ParsedArgs parseArgs(const std::vector<std::string>& args) {
   return parsed;
 }
 
-bool readTargetOption(const std::string& name, const std::function<std::string()>& value,
-                      TMySessionSettings& target) {
+CommandFlag::CommandFlag(const std::string& flag) {
+  const size_t eq = flag.find('=');
+  name_ = flag.substr(0, eq);
+  if (eq != std::string::npos) value_ = flag.substr(eq + 1);
+}
+
+std::string CommandFlag::value() const {
+  if (!value_) throw std::invalid_argument("option " + name_ + " needs =VALUE");
+  return *value_;
+}
+
+bool readTargetOption(const CommandFlag& option, TMySessionSettings& target) {
+  const std::string& name = option.name();
   if (name == "--target-host") {
-    target.Server = value();
+    target.Server = option.value();
   } else if (name == "--target-port") {
-    target.Port = parsePort(value());
+    target.Port = parsePort(option.value());
     target.Protocol = TMyProtocol::TCP;
   } else if (name == "--target-user") {
-    target.Username = value();
+    target.Username = option.value();
   } else if (name == "--target-password") {
-    target.Password = value();
+    target.Password = option.value();
   } else if (name == "--target-socket") {
-    target.SocketPath = value();
+    target.SocketPath = option.value();
   } else {
     return false;
   }

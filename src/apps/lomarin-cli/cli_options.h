@@ -1,6 +1,6 @@
 #pragma once
 
-#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,9 +22,21 @@ struct ParsedArgs {
 // a bad one.
 ParsedArgs parseArgs(const std::vector<std::string>& args);
 
-// Reads one of --target-host/-port/-user/-password/-socket into target; false when name is none of
-// them. value() is asked only for a target option, so it may throw for a missing "=VALUE".
-bool readTargetOption(const std::string& name, const std::function<std::string()>& value,
-                      TMySessionSettings& target);
+// One "--name" or "--name=value" option of a command.
+class CommandFlag {
+ public:
+  explicit CommandFlag(const std::string& flag);
+  const std::string& name() const { return name_; }
+  // The text after "="; throws std::invalid_argument when the option has none.
+  std::string value() const;
+
+ private:
+  std::string name_;
+  std::optional<std::string> value_;
+};
+
+// Reads one of --target-host/-port/-user/-password/-socket into target; false when the option is
+// none of them.
+bool readTargetOption(const CommandFlag& option, TMySessionSettings& target);
 
 }  // namespace lomarin::cli

@@ -63,21 +63,17 @@ TCmpObjSetType parseObjects(const std::string& list) {
 void readFlags(const ParsedArgs& args, CompareFlags& flags) {
   flags.target = args.connection;
   for (const std::string& flag : args.flags) {
-    const size_t eq = flag.find('=');
-    const std::string name = flag.substr(0, eq);
-    auto value = [&] {
-      if (eq == std::string::npos) throw std::invalid_argument("option " + name + " needs =VALUE");
-      return flag.substr(eq + 1);
-    };
+    const CommandFlag option(flag);
+    const std::string& name = option.name();
     if (name == "--objects") {
-      flags.objects = parseObjects(value());
+      flags.objects = parseObjects(option.value());
     } else if (name == "--charset") {
-      flags.server.CharSet = value();
+      flags.server.CharSet = option.value();
     } else if (name == "--names") {
-      flags.server.Names = value();
+      flags.server.Names = option.value();
     } else if (name == "--result-file") {
-      flags.resultFile = value();
-    } else if (readTargetOption(name, value, flags.target)) {
+      flags.resultFile = option.value();
+    } else if (readTargetOption(option, flags.target)) {
       flags.ownTarget = true;
     } else if (flag == "--case-insensitive") {
       flags.caseSensitive = false;

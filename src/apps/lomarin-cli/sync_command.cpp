@@ -54,22 +54,17 @@ std::vector<TDataSyncPair> parsePairs(const std::string& list) {
 // Reads the command's own flags into flags and settings; throws std::invalid_argument.
 void readFlags(const ParsedArgs& args, SyncFlags& flags, TDataSyncSettings& settings) {
   for (const std::string& flag : args.flags) {
-    const size_t eq = flag.find('=');
-    const std::string name = flag.substr(0, eq);
-    const std::string value = eq == std::string::npos ? "" : flag.substr(eq + 1);
-    auto needValue = [&] {
-      if (eq == std::string::npos) throw std::invalid_argument("option " + name + " needs =VALUE");
-      return value;
-    };
+    const CommandFlag option(flag);
+    const std::string& name = option.name();
     if (name == "--tables") {
-      flags.tables = needValue();
+      flags.tables = option.value();
     } else if (name == "--result-file") {
-      flags.resultFile = needValue();
+      flags.resultFile = option.value();
     } else if (name == "--blob-file") {
-      settings.BlobFileName = needValue();
+      settings.BlobFileName = option.value();
     } else if (name == "--charset") {
-      settings.Charset = needValue();
-    } else if (readTargetOption(name, needValue, settings.Target)) {
+      settings.Charset = option.value();
+    } else if (readTargetOption(option, settings.Target)) {
       // read into the target settings
     } else if (flag == "--hex-blob") {
       settings.HexBlobs = true;
