@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
-#include <future>
 
 #include "engine/connect/accounts_session.h"
 #include "engine/connect/http_request.h"
-#include "engine/connect/kill_query.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/my_query.h"
 #include "test_server.h"
@@ -109,29 +106,7 @@ TEST_F(HttpTunnelTest, LargePacketsBinaryBytesAndMultipleResultsPassUnchanged) {
 TEST_F(HttpTunnelTest, KillQueryFromASideConnectionStopsASleepWithinASecond) {
   TMyConnection session;
   connect(session, account);
-  const unsigned long threadId = session.ThreadId();
-  auto sleeping = std::async(std::launch::async, [&session] {
-    try {
-      TMyQuery query(session);
-      query.SQL = "SELECT SLEEP(30)";
-      query.Open();
-      query.Next();
-      return std::string(query.Value(0));
-    } catch (const ServerError& error) {
-      return std::to_string(error.number());
-    }
-  });
-  while (test::scalar(*test::connect(), "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID = " +
-                                            std::to_string(threadId) + " AND INFO LIKE 'SELECT SLEEP%'") !=
-         "1") {
-  }
-  const auto start = std::chrono::steady_clock::now();
-  KillQuery(session.Settings, threadId);
-  ASSERT_EQ(sleeping.wait_for(std::chrono::seconds(1)), std::future_status::ready);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-  const std::string outcome = sleeping.get();
-  EXPECT_TRUE(outcome == "1" || outcome == "1317") << outcome;
-  EXPECT_EQ(test::scalar(session, "SELECT 2"), "2");
+  test::expectKillStopsASleepWithinASecond(session);
 }
 
 TEST_F(HttpTunnelTest, DisconnectEndsTheServerConnectionAndTheListener) {

@@ -4,13 +4,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <fstream>
-#include <future>
 #include <sstream>
 
 #include "engine/connect/accounts_session.h"
-#include "engine/connect/kill_query.h"
 #include "engine/connect/lost_connection.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/my_query.h"
@@ -253,31 +250,7 @@ TEST_F(SshReconnectTest, ALoginAgainThatFailsLeavesItsReasonUntilAConnectionIsFo
 }
 
 TEST_F(SshReconnectTest, KillQueryGoesThroughTheTunnelAndStopsASleepQuickly) {
-  const unsigned long threadId = session.ThreadId();
-  auto sleeping = std::async(std::launch::async, [this] {
-    try {
-      TMyQuery query(session);
-      query.SQL = "SELECT SLEEP(30)";
-      query.Open();
-      query.Next();
-      return std::string(query.Value(0));
-    } catch (const ServerError& error) {
-      return std::to_string(error.number());
-    }
-  });
-  // Wait until the statement runs on the server, then stop it.
-  while (test::scalar(*test::connect(), "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID = " +
-                                            std::to_string(threadId) + " AND INFO LIKE 'SELECT SLEEP%'") !=
-         "1") {
-  }
-  const auto start = std::chrono::steady_clock::now();
-  KillQuery(session.Settings, threadId);
-  ASSERT_EQ(sleeping.wait_for(std::chrono::seconds(1)), std::future_status::ready);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-  // An interrupted SLEEP answers 1, or the server reports the interruption (1317).
-  const std::string outcome = sleeping.get();
-  EXPECT_TRUE(outcome == "1" || outcome == "1317") << outcome;
-  EXPECT_EQ(test::scalar(session, "SELECT 2"), "2");
+  test::expectKillStopsASleepWithinASecond(session);
 }
 
 }  // namespace

@@ -1,9 +1,15 @@
 #include "test_server.h"
 
+#include <gtest/gtest.h>
+
+#include <chrono>
 #include <cstdlib>
+#include <future>
 #include <stdexcept>
 
+#include "engine/connect/kill_query.h"
 #include "engine/connect/my_query.h"
+#include "engine/connect/server_error.h"
 
 namespace lomarin::test {
 
@@ -54,6 +60,33 @@ std::string scalar(TMyConnection& session, const std::string& sql) {
   query.Open();
   if (!query.Next()) throw std::runtime_error("no row from: " + sql);
   return std::string(query.Value(0));
+}
+
+void expectKillStopsASleepWithinASecond(TMyConnection& session) {
+  const unsigned long threadId = session.ThreadId();
+  auto sleeping = std::async(std::launch::async, [&session] {
+    try {
+      TMyQuery query(session);
+      query.SQL = "SELECT SLEEP(30)";
+      query.Open();
+      query.Next();
+      return std::string(query.Value(0));
+    } catch (const ServerError& error) {
+      return std::to_string(error.number());
+    }
+  });
+  // Wait until the statement runs on the server, then stop it.
+  while (scalar(*connect(), "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID = " +
+                                std::to_string(threadId) + " AND INFO LIKE 'SELECT SLEEP%'") != "1") {
+  }
+  const auto start = std::chrono::steady_clock::now();
+  KillQuery(session.Settings, threadId);
+  ASSERT_EQ(sleeping.wait_for(std::chrono::seconds(1)), std::future_status::ready);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  // An interrupted SLEEP answers 1, or the server reports the interruption (1317).
+  const std::string outcome = sleeping.get();
+  EXPECT_TRUE(outcome == "1" || outcome == "1317") << outcome;
+  EXPECT_EQ(scalar(session, "SELECT 2"), "2");
 }
 
 }  // namespace lomarin::test

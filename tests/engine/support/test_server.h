@@ -21,4 +21,8 @@ void sideExec(const std::string& sql);
 // First column of the first row.
 std::string scalar(TMyConnection& session, const std::string& sql);
 
+// Runs SELECT SLEEP(30) on session, kills it from a side connection once the server shows it, and
+// expects the sleep to end within a second and the session to go on.
+void expectKillStopsASleepWithinASecond(TMyConnection& session);
+
 }  // namespace lomarin::test
