@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "engine/connect/read_result_table.h"
+#include "render_path.h"
 #include "test_server.h"
 
 namespace lomarin::test {
@@ -49,9 +50,6 @@ std::vector<std::vector<std::string>> sideRows(const std::string& sql) {
   return ReadResultTable(side, sql).rows;
 }
 
-void renderPng(QWidget& widget, const QString& name) {
-  const QString dir = qEnvironmentVariable("LOMARIN_TEST_PNG_DIR");
-  if (!dir.isEmpty()) widget.grab().save(dir + "/" + name + ".png");
-}
+void renderPng(QWidget& widget, const QString& name) { widget.grab().save(renderPath(name + ".png")); }
 
 }  // namespace lomarin::test

@@ -34,7 +34,7 @@ struct AdminFixture {
 // Every row of a statement, read on a connection of its own.
 std::vector<std::vector<std::string>> sideRows(const std::string& sql);
 
-// Saves a picture of the widget under LOMARIN_TEST_PNG_DIR when it is set.
+// Saves a picture of the widget among the test renders.
 void renderPng(QWidget& widget, const QString& name);
 
 }  // namespace lomarin::test

@@ -34,8 +34,7 @@ T* child(QWidget* parent, const char* name) {
 }
 
 void render(QWidget* widget, const QString& name) {
-  const QString dir = qEnvironmentVariable("LOMARIN_TEST_PNG_DIR");
-  if (!dir.isEmpty()) widget->grab().save(dir + "/schema_compare_" + name + ".png");
+  widget->grab().save(lomarin::test::renderPath("schema_compare_" + name + ".png"));
 }
 
 const QString kTail = "/* Create event... */\r\n/* Alter event... */\r\n/* Drop event... */\r\n";

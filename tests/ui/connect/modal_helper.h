@@ -6,6 +6,8 @@
 #include <QWidget>
 #include <functional>
 
+#include "render_path.h"
+
 namespace lomarin::test {
 
 // Runs `answer` on the modal window named `objectName` once it is on screen; queue it before the
@@ -18,12 +20,9 @@ inline void whenModal(const QString& objectName, std::function<void(QWidget*)> a
   });
 }
 
-// Saves a rendering of the widget for a person to look at; the folder comes from
-// LOMARIN_TEST_PNG_DIR (nothing is written without it).
+// Saves a rendering of the widget for a person to look at.
 inline void renderPng(QWidget* widget, const QString& name) {
-  const QString dir = qEnvironmentVariable("LOMARIN_TEST_PNG_DIR");
-  if (dir.isEmpty()) return;
-  widget->grab().save(dir + "/" + name + ".png");
+  widget->grab().save(renderPath(name + ".png"));
 }
 
 }  // namespace lomarin::test

@@ -1,16 +1,18 @@
+#include "ui/app/explorer/frame_explorer.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QTimer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include "engine/connect/my_connection.h"
 #include "engine/connect/sql_monitor.h"
+#include "render_path.h"
 #include "test_server.h"
-#include "ui/app/explorer/frame_explorer.h"
 #include "ui_test_registry.h"
 
 using namespace lomarin;
@@ -55,7 +57,8 @@ class FrameExplorerTest : public QObject {
   // Expands the folder, checks the one statement it sent, and gives its children.
   QTreeWidgetItem* expand(QTreeWidgetItem* folder, const std::string& statement) {
     const QStringList sent = sentBy([&] { folder->setExpanded(true); });
-    QTest::qCompare(sent, QStringList{QString::fromStdString(statement)}, "sent", "statement", __FILE__, __LINE__);
+    QTest::qCompare(sent, QStringList{QString::fromStdString(statement)}, "sent", "statement", __FILE__,
+                    __LINE__);
     return folder;
   }
 
@@ -72,8 +75,9 @@ class FrameExplorerTest : public QObject {
     session_ = test::connect("lomarin_demo");
     monitor_ = std::make_unique<TMySQLMonitor>();
     session_->setMonitor(monitor_.get());
-    monitor_->addListener(
-        [this](const std::string& line) { sent_ << QString::fromStdString(line.substr(line.find(" ] ") + 3)); });
+    monitor_->addListener([this](const std::string& line) {
+      sent_ << QString::fromStdString(line.substr(line.find(" ] ") + 3));
+    });
     explorer_ = std::make_unique<Explorer>(*session_);
     explorer_->resize(320, 720);
   }
@@ -95,7 +99,8 @@ class FrameExplorerTest : public QObject {
     auto* users = childNamed(root(), "Users");
     QCOMPARE(image(users), ex::image::UsersFolder);
     QCOMPARE(tag(users), ex::kFolderTag);
-    QCOMPARE(texts(demo()), QStringList({"Tables", "Views", "Procedures", "Functions", "Triggers", "Events", "UDFs"}));
+    QCOMPARE(texts(demo()),
+             QStringList({"Tables", "Views", "Procedures", "Functions", "Triggers", "Events", "UDFs"}));
     for (int i = 0; i < demo()->childCount(); ++i) {
       auto* folder = demo()->child(i);
       QCOMPARE(image(folder), ex::image::Folder);
@@ -114,18 +119,21 @@ class FrameExplorerTest : public QObject {
     checkChildren(expand(childNamed(demo(), "Views"), "show full tables  from `lomarin_demo`"),
                   {"v_customer_revenue", "v_order_totals"}, ex::image::View);
     QCOMPARE(childNamed(demo(), "Views")->childCount(), 2);
-    checkChildren(expand(childNamed(demo(), "Procedures"), "SHOW PROCEDURE STATUS where lower(db) = 'lomarin_demo'"),
-                  {"get_customer_orders"}, ex::image::Procedure);
-    checkChildren(expand(childNamed(demo(), "Functions"), "SHOW FUNCTION STATUS where lower(db) = 'lomarin_demo'"),
-                  {"order_total"}, ex::image::Function);
+    checkChildren(
+        expand(childNamed(demo(), "Procedures"), "SHOW PROCEDURE STATUS where lower(db) = 'lomarin_demo'"),
+        {"get_customer_orders"}, ex::image::Procedure);
+    checkChildren(
+        expand(childNamed(demo(), "Functions"), "SHOW FUNCTION STATUS where lower(db) = 'lomarin_demo'"),
+        {"order_total"}, ex::image::Function);
     checkChildren(expand(childNamed(demo(), "Triggers"), "SHOW TRIGGERS FROM `lomarin_demo`"),
                   {"trg_products_price_history"}, ex::image::Trigger);
     checkChildren(expand(childNamed(demo(), "Events"), "show events from `lomarin_demo`"),
                   {"ev_purge_price_history"}, ex::image::Event);
     expand(childNamed(demo(), "UDFs"), "SELECT * FROM mysql.func ");
     QVERIFY(!texts(childNamed(demo(), "UDFs")).contains("/-1"));
-    checkChildren(expand(childNamed(root(), "Users"), " SELECT distinct user FROM mysql.user WHERE LENGTH(user)> 0"),
-                  {"lomarin_demo", QString::fromStdString(test::serverSettings().Username)}, ex::image::User);
+    checkChildren(
+        expand(childNamed(root(), "Users"), " SELECT distinct user FROM mysql.user WHERE LENGTH(user)> 0"),
+        {"lomarin_demo", QString::fromStdString(test::serverSettings().Username)}, ex::image::User);
 
     auto* orders = childNamed(tables, "orders");
     QCOMPARE(texts(orders), QStringList({"Index", "Columns"}));
@@ -143,12 +151,12 @@ class FrameExplorerTest : public QObject {
     QCOMPARE(texts(items), QStringList({"PRIMARY", "ix_order_items_product"}));
 
     for (auto* item : {tables, orders, index, columns}) item->setExpanded(true);
-    for (const char* name : {"categories", "customers", "order_items"}) childNamed(tables, name)->setExpanded(false);
+    for (const char* name : {"categories", "customers", "order_items"})
+      childNamed(tables, name)->setExpanded(false);
     explorer_->tree()->setCurrentItem(orders);
     explorer_->resize(320, 1040);
     explorer_->show();
-    const QString dir = qEnvironmentVariable("LOMARIN_TEST_PNG_DIR");
-    if (!dir.isEmpty()) explorer_->grab().save(dir + "/explorer_demo.png");
+    explorer_->grab().save(test::renderPath("explorer_demo.png"));
   }
 
   void treeFilterAndRefresh() {
