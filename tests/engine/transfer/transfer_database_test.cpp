@@ -153,6 +153,52 @@ TEST(TransferDatabase, DataWithoutTablesSendsRowsIntoTheExistingTable) {
   EXPECT_EQ(checksum("lomarin_xfer_data.categories"), checksum("lomarin_demo.categories"));
 }
 
+// Rows refused in the middle of a multi-statement request: each is logged once, and the rows after
+// it (in that request and the ones sent again) all arrive, in the same transaction blocks.
+TEST(TransferDatabase, RowsRefusedInsideABatchAreLoggedAndTheRestArrive) {
+  Transfer t("lomarin_xfer_refuse");
+  test::sideExec("CREATE TABLE lomarin_xfer_refuse.customers LIKE lomarin_demo.customers");
+  test::sideExec(
+      "CREATE TRIGGER lomarin_xfer_refuse.refuse BEFORE INSERT ON lomarin_xfer_refuse.customers "
+      "FOR EACH ROW BEGIN DECLARE m VARCHAR(40) DEFAULT CONCAT('refused ', NEW.customer_id); "
+      "IF NEW.customer_id IN (100, 200) THEN SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT = m; END IF; END");
+  test::SentLog sent(t.targetSession);
+  ApplyTransferOption(t.run.Dump, TTransferOption::TransferTables, false);
+  t.plan.tables = {"customers"};
+  EXPECT_FALSE(t.run.Run(t.plan));
+
+  EXPECT_EQ(Lines(t.log.begin() + 2, t.log.end()),
+            (Lines{"Export table ....... customers", "Error : 1644 refused 100", "Error : 1644 refused 200",
+                   "Transfer  ....... customers", " Errors  \nError : 1644 refused 100\nError : 1644 refused 200",
+                   "Finish transfer database ....... lomarin_demo",
+                   "Disconect to database ....... lomarin_xfer_refuse", "process finished with errors"}));
+  // Row 100 travelled between its neighbours, and only what followed it was sent again.
+  const auto holding = [&](const std::string& row) {
+    return std::count_if(sent.sent.begin(), sent.sent.end(), [&](const std::string& request) {
+      return request.find("INSERT INTO customers VALUES (" + row + ",") != std::string::npos;
+    });
+  };
+  const auto middle = std::find_if(sent.sent.begin(), sent.sent.end(), [](const std::string& request) {
+    const size_t at = request.find("VALUES (100,");
+    return at != std::string::npos && request.find("VALUES (99,") < at &&
+           request.find("VALUES (101,") != std::string::npos;
+  });
+  EXPECT_NE(middle, sent.sent.end());
+  EXPECT_EQ(holding("99"), 1);
+  EXPECT_EQ(holding("100"), 1);
+  EXPECT_EQ(holding("150"), 2);
+  EXPECT_EQ(holding("250"), 3);
+
+  const std::string rows =
+      "SELECT CONCAT(COUNT(*), ' ', MD5(GROUP_CONCAT(CONCAT_WS('|', customer_id, first_name, last_name, "
+      "email, phone, city, country, birth_date, is_active, credit_limit, created_at) ORDER BY customer_id))) "
+      "FROM ";
+  EXPECT_EQ(column(rows + "lomarin_xfer_refuse.customers"),
+            column(rows + "lomarin_demo.customers WHERE customer_id NOT IN (100, 200)"));
+  EXPECT_EQ(column("SELECT COUNT(*) FROM lomarin_xfer_refuse.customers WHERE customer_id IN (100, 200)"),
+            Lines{"0"});
+}
+
 TEST(TransferDatabase, AProcedureTheTargetRefusesIsLoggedAndTheRunGoesOn) {
   Transfer t("lomarin_xfer_denied");
   test::sideExec("DROP USER IF EXISTS 'lomarin_xfer'@'%'");
