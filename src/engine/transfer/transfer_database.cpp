@@ -3,6 +3,7 @@
 #include <istream>
 #include <thread>
 
+#include "engine/connect/ssh_error.h"
 #include "engine/sqleditor/my_script.h"
 #include "engine/transfer/dump_catalog.h"
 #include "engine/transfer/script_pipe.h"
@@ -75,9 +76,15 @@ void TTransferDatabase::Stop() {
 
 bool TTransferDatabase::connectTarget(const TTransferPlan& plan) {
   try {
-    target_.Connect();
+    if (ConnectTarget)
+      ConnectTarget();
+    else
+      target_.Connect();
   } catch (const ServerError& error) {
     log(errorLine(error));
+    return false;
+  } catch (const TSshError& error) {
+    log(std::string("Error : ") + error.what());
     return false;
   }
   log("Connected to database ....... " + plan.targetDatabase);

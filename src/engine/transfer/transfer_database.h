@@ -45,6 +45,9 @@ class TTransferDatabase {
   // Bound to the source, with the transfer's fixed options and the start state of the boxes.
   TMyDump Dump;
 
+  // Connects the target, through the tunnel of its account for one; its own Connect when empty.
+  // Throws ServerError or TSshError.
+  std::function<void()> ConnectTarget;
   std::function<void(const std::string& line)> OnLog;
   std::function<void(const std::string& object, int percent)> OnProgress;
 

@@ -17,8 +17,9 @@
 #include <QVBoxLayout>
 
 #include "engine/app/data_folder.h"
-#include "engine/connect/accounts.h"
 #include "engine/connect/accounts_session.h"
+#include "engine/connect/ssh_account.h"
+#include "engine/connect/ssh_key_store.h"
 #include "ui/focus_return.h"
 #include "ui/sqleditor/query_wait.h"
 
@@ -50,6 +51,7 @@ TfrmTransferdatabase::TfrmTransferdatabase(TMyConnection& session, SettingsStore
       transfer_(std::make_unique<TTransferDatabase>(session, MyTransConnect)),
       activity_(std::make_unique<TSessionActivity>(session)) {
   setObjectName("TfrmTransferdatabase");
+  MyTransConnect.Events.AfterDisconnect = [this] { tunnel_.Close(); };
   setWindowTitle(tr("Transfer database"));
   transfer_->OnLog = [this](const std::string& line) {
     QMetaObject::invokeMethod(
@@ -189,16 +191,15 @@ void TfrmTransferdatabase::buildUi() {
 }
 
 void TfrmTransferdatabase::cboAccountChange() {
-  accountSettings_ = {};
+  account_.reset();
   if (cboAccount_->currentIndex() <= 0) return;
-  const auto account = TAccountStore(settings_).load(cboAccount_->currentText().toStdString());
-  if (!account) return;
-  applyAccountToSession(*account, accountSettings_);
-  edtLogin_->setText(qs(account->Login));
-  edtPassword_->setText(qs(account->Password));
-  edtServer_->setText(qs(account->Server));
-  edtDatabase_->setText(qs(account->Database));
-  edtPort_->setText(QString::number(account->Port));
+  account_ = TAccountStore(settings_).load(cboAccount_->currentText().toStdString());
+  if (!account_) return;
+  edtLogin_->setText(qs(account_->Login));
+  edtPassword_->setText(qs(account_->Password));
+  edtServer_->setText(qs(account_->Server));
+  edtDatabase_->setText(qs(account_->Database));
+  edtPort_->setText(QString::number(account_->Port));
 }
 
 TTransferPlan TfrmTransferdatabase::plan() const {
@@ -215,14 +216,22 @@ TTransferPlan TfrmTransferdatabase::plan() const {
   return p;
 }
 
+void TfrmTransferdatabase::prepareTarget() {
+  // The fields as typed win over the stored account's, for the target of its tunnel too.
+  TAccount account = account_.value_or(TAccount{});
+  account.Login = edtLogin_->text().toStdString();
+  account.Password = edtPassword_->text().toStdString();
+  account.Server = edtServer_->text().toStdString();
+  account.Database = edtDatabase_->text().toStdString();
+  account.Port = edtPort_->text().toInt();
+  applyAccountToSession(account, MyTransConnect.Settings);
+  transfer_->ConnectTarget = [this, account, keys = SshKeyStoreFolder(settings_)] {
+    ConnectThroughAccountTunnel(MyTransConnect, tunnel_, account, keys);
+  };
+}
+
 void TfrmTransferdatabase::btnOkClick() {
-  TMySessionSettings target = accountSettings_;
-  target.Username = edtLogin_->text().toStdString();
-  target.Password = edtPassword_->text().toStdString();
-  target.Server = edtServer_->text().toStdString();
-  target.Database = edtDatabase_->text().toStdString();
-  target.Port = edtPort_->text().toInt();
-  MyTransConnect.Settings = target;
+  prepareTarget();
   const TTransferPlan transferPlan = plan();
   memInfo_->clear();
   btnOk_->setEnabled(false);

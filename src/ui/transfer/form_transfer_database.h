@@ -2,8 +2,11 @@
 
 #include <QDialog>
 #include <memory>
+#include <optional>
 
+#include "engine/connect/accounts.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/ssh_tunnel.h"
 #include "engine/transfer/transfer_database.h"
 
 class QCheckBox;
@@ -44,13 +47,19 @@ class TfrmTransferdatabase : public QDialog {
   void setProgress(const QString& object, int percent);
   void saveLog();
   TTransferPlan plan() const;
+  // The target's settings from the fields (over the chosen stored account's) and its connect, through
+  // the account's tunnel when it asks for one.
+  void prepareTarget();
 
   TMyConnection& session_;
   SettingsStore& settings_;
+  // Outlives the connection, whose disconnect closes it.
+  TSshTunnel tunnel_;
   TMyConnection MyTransConnect;
   std::unique_ptr<TTransferDatabase> transfer_;
   std::unique_ptr<TSessionActivity> activity_;
-  TMySessionSettings accountSettings_;
+  // The stored account chosen, if any.
+  std::optional<TAccount> account_;
 
   QComboBox* cboAccount_ = nullptr;
   QLineEdit* edtLogin_ = nullptr;

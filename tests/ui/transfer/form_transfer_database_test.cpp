@@ -1,6 +1,8 @@
 #include "ui/transfer/form_transfer_database.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
@@ -12,7 +14,11 @@
 #include "../app/shell_test_support.h"
 #include "connect/modal_helper.h"
 #include "engine/app/data_folder.h"
+#include "engine/app/option_names.h"
+#include "engine/connect/accounts.h"
+#include "engine/connect/ssh_key_store.h"
 #include "test_server.h"
+#include "test_web_server.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -20,9 +26,72 @@ namespace {
 using namespace lomarin;
 using lomarin::ui::TfrmTransferdatabase;
 
+// The log lines of a run that sent one table without errors.
+QString cleanRun(const QString& table, const QString& target) {
+  return QString("Connected to database ....... %2\n"
+                 "Init export current database ....... lomarin_demo\n"
+                 "Export table ....... %1\nTransfer  ....... %1\n"
+                 "Finish transfer database ....... lomarin_demo\n"
+                 "Disconect to database ....... %2\n"
+                 "process finished without errors")
+      .arg(table, target);
+}
+
 class FormTransferDatabaseTest : public QObject {
   Q_OBJECT
  private slots:
+  // A stored account's tunnel carries the target's connection, as it does the main window's.
+  void aStoredAccountWithATunnelIsATarget() {
+    if (const std::string missing = test::sshServerMissing(); !missing.empty()) QSKIP(missing.c_str());
+    test::FreshSettings fresh;
+    const std::string keyFolder = QDir(fresh.dir.path()).filePath("keys").toStdString();
+    fresh.store->write(opt::CertificatesPath, keyFolder);
+    TSshKeyStore(keyFolder).newClientKey("xfer", TSshKeyType::Ed25519);
+    test::authorizeKey(TSshKeyStore(keyFolder).publicLine("xfer"));
+    test::TunnelWebServer web;
+    TAccount ssh = test::sshAccount();  // its own port is closed: only the tunnel reaches the server
+    ssh.SSHClientKey = "xfer";
+    ssh.Database = "lomarin_xfer_ssh";
+    TAccount http = test::httpTunnelAccount(web.url());
+    http.Database = "lomarin_xfer_http";
+    TAccount refused = test::sshAccount();
+    refused.SSHPassword = "not the password";
+    refused.Database = "lomarin_xfer_ssh";
+    TAccountStore accounts(*fresh.store);
+    QVERIFY(accounts.add("Through SSH", ssh));
+    QVERIFY(accounts.add("Through HTTP", http));
+    QVERIFY(accounts.add("SSH refused", refused));
+
+    auto session = test::connect("lomarin_demo");
+    TfrmTransferdatabase dialog(*session, *fresh.store);
+    dialog.findChild<QCheckBox*>("chkCheckAllTables")->click();
+    auto* tables = dialog.findChild<QListWidget*>("lstTables");
+    tables->findItems("categories", Qt::MatchExactly).front()->setCheckState(Qt::Checked);
+    auto* account = dialog.findChild<QComboBox*>("cboAccount");
+    auto* log = dialog.findChild<QPlainTextEdit*>("memInfo");
+    for (const QString& target : {QString("lomarin_xfer_ssh"), QString("lomarin_xfer_http")}) {
+      test::sideExec("DROP DATABASE IF EXISTS " + target.toStdString());
+      test::sideExec("CREATE DATABASE " + target.toStdString());
+      account->setCurrentText(target.endsWith("ssh") ? "Through SSH" : "Through HTTP");
+      dialog.btnOkClick();
+      QCOMPARE(log->toPlainText(), cleanRun("categories", target));
+      QCOMPARE(test::scalar(*session, "SELECT COUNT(*) FROM " + target.toStdString() + ".categories"),
+               test::scalar(*session, "SELECT COUNT(*) FROM categories"));
+    }
+    QVERIFY(web.awaitOpened(1));
+
+    // A refused SSH login is the target's connect error: logged, and the run ends there.
+    account->setCurrentText("SSH refused");
+    dialog.btnOkClick();
+    const QStringList lines = log->toPlainText().split('\n');
+    QCOMPARE(lines.size(), 2);
+    QVERIFY2(lines[0].startsWith("Error : The SSH server ") && lines[0].contains(" refused the password "),
+             qPrintable(lines[0]));
+    QCOMPARE(lines[1], QString("process finished with errors"));
+    test::renderPng(&dialog, "transfer_database_refused_tunnel");
+  }
+
+
   void transfersCheckedObjectsAndKeepsTheLog() {
     test::sideExec("DROP DATABASE IF EXISTS lomarin_xfer_ui");
     test::sideExec("CREATE DATABASE lomarin_xfer_ui");
