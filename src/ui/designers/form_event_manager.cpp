@@ -3,7 +3,7 @@
 #include "engine/connect/escape.h"
 #include "engine/connect/my_connection.h"
 #include "engine/designers/bound_sql.h"
-#include "engine/sqleditor/script_services.h"
+#include "engine/designers/database_scope.h"
 #include "ui/designers/designer_widgets.h"
 #include "ui/designers/program_pages.h"
 #include "ui_form_event_manager.h"
@@ -142,8 +142,15 @@ void TfrmEventManager::btnOkClick() {
   }
   const std::string sql = designers::BuildEventSql(
       event, [this](std::string_view value) { return EscapeString(session_, value); });
-  if (!ExecScriptText(session_, sql)) return;
-  if (!alter_) holdEvent(qs(session_.CurrentDatabase()), qs(event.Name));
+  try {
+    // The text names no database: the event's own is made current for it. A compound body holds
+    // ";", so the text goes as one statement.
+    designers::TDatabaseScope scope(session_, database_.toStdString());
+    if (!ExecSQLText(session_, sql)) return;
+    if (!alter_) holdEvent(qs(session_.CurrentDatabase()), qs(event.Name));
+  } catch (const ServerError&) {
+    return;  // the session's error handling has shown it
+  }
   ui_->btnOk->setEnabled(false);
 }
 

@@ -228,6 +228,54 @@ class ProgramDialogsTest : public QObject {
     QCOMPARE(eventColumn(f, "interval_field", "every"), std::string("DAY"));
   }
 
+  // The texts name no database, and a compound body holds ";": both must reach the server whole,
+  // in the event's own database.
+  void compoundEventOfAnotherDatabaseCreatedAndAlteredThere() {
+    DesignersFixture f;
+    lomarin::test::sideExec("DROP DATABASE IF EXISTS `designers-events`");
+    lomarin::test::sideExec("CREATE DATABASE `designers-events`");
+    const std::string body = "BEGIN\n  SET @a = 1;\n  SET @b = 2;\nEND";
+    {
+      TfrmEventManager dialog(*f.session, *f.settings, {}, "designers-events");
+      dialog.show();
+      setLine(&dialog, "cxEventName", "tally");
+      check(&dialog, "cxradiEvery", true);
+      setLine(&dialog, "cxeditEvery", "1");
+      child<QComboBox>(&dialog, "cxcoboEvery")->setCurrentText("DAY");
+      dialog.fraDefinition()->memo()->setText(QString::fromStdString(body));
+      f.takeStatements();
+      child<QPushButton>(&dialog, "btnOk")->click();
+      QCOMPARE(f.takeStatements(),
+               (std::vector<std::string>{"USE `designers-events`",
+                                         "CREATE EVENT `tally`\nON SCHEDULE EVERY 1 DAY\n"
+                                         "ON COMPLETION NOT PRESERVE\nENABLE\nCOMMENT '' DO\n" +
+                                             body,
+                                         "USE `designers_ui`"}));
+      QCOMPARE(dialog.windowTitle(), QString("EVENT [designers-events.tally]"));
+    }
+    const std::string where = " FROM information_schema.events WHERE event_name = 'tally'";
+    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT GROUP_CONCAT(event_schema)" + where),
+             std::string("designers-events"));
+    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT event_definition" + where), body);
+
+    TfrmEventManager dialog(*f.session, *f.settings, {}, "designers-events", "tally");
+    dialog.show();
+    QCOMPARE(dialog.fraDefinition()->memo()->text().toStdString(), body);
+    check(&dialog, "cxchkEnabled", false);
+    check(&dialog, "cxchkCompletion", false);
+    child<QPlainTextEdit>(&dialog, "cxmemoComment")->setPlainText("say \"it's\" \\n");
+    f.takeStatements();
+    child<QPushButton>(&dialog, "btnOk")->click();
+    const std::vector<std::string> sent = f.takeStatements();
+    QCOMPARE(sent.size(), size_t(3));
+    QVERIFY(sent[1].starts_with("ALTER EVENT `tally`\nON SCHEDULE EVERY 1 DAY STARTS '"));
+    QVERIFY(f.serverErrors.empty());
+    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT CONCAT_WS('|', status, on_completion, event_comment)" + where),
+             std::string("DISABLED|PRESERVE|say \"it's\" \\n"));
+    QCOMPARE(f.session->CurrentDatabase(), std::string("designers_ui"));
+    lomarin::test::sideExec("DROP DATABASE `designers-events`");
+  }
+
   void libraryFunctionStatementsAndTheServersRefusal() {
     DesignersFixture f;
     QStringList reported;
