@@ -7,6 +7,7 @@
 
 #include "engine/app/explorer_nodes.h"
 #include "engine/connect/my_connection.h"
+#include "engine/connect/run_stop.h"
 #include "engine/sqleditor/query_results.h"
 
 namespace lomarin::designers {
@@ -72,16 +73,20 @@ class TMyStoredProc {
   // Reads the parameters from the server. Throws ServerError.
   void ReadParams();
   TProcParam* ParamByName(std::string_view name);
-  // Builds the statements from the parameters' values.
+  // Builds the statements from the parameters' values, and readies the next ExecProc: a BreakExec
+  // from then on, on any thread, stops it, even before it has begun.
   void PrepareSQL();
   const TCallStatements& Statements() const { return statements_; }
   // Runs the prepared call: OUT, IN/OUT and RESULT values are read back into Params, and a
   // procedure's result sets are returned (firstRows of the first read at once). Throws ServerError.
   TQueryRun ExecProc(size_t firstRows);
+  // No further statement of the call starts, and the one under way is killed on the server.
+  void BreakExec();
 
  private:
   TMyConnection& session_;
   TCallStatements statements_;
+  TRunStop stop_;
 };
 
 }  // namespace lomarin::designers

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <streambuf>
 
-#include "engine/connect/kill_query.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/statement_splitter.h"
 
@@ -182,11 +181,7 @@ void TMyScript::Execute() {
 }
 
 void TMyScript::Execute(std::istream& in, uint64_t total) {
-  {
-    std::lock_guard lock(mutex_);
-    stopRequested_ = false;
-    killSettings_ = session_.Settings;
-  }
+  if (!breakPrepared_.exchange(false)) stop_.reset();
   stopped_ = false;
   Runner runner(*this, in, total);
   if (!UseOptimization) {
@@ -198,35 +193,20 @@ void TMyScript::Execute(std::istream& in, uint64_t total) {
 }
 
 bool TMyScript::beginStatement() {
-  std::lock_guard lock(mutex_);
-  if (stopRequested_) {
-    stopped_ = true;
-    return false;
-  }
-  inFlight_ = true;
-  threadId_ = session_.ThreadId();
-  return true;
+  if (stop_.begin(session_.Settings, session_.ThreadId())) return true;
+  stopped_ = true;
+  return false;
 }
 
-void TMyScript::endStatement() {
-  std::lock_guard lock(mutex_);
-  inFlight_ = false;
+void TMyScript::endStatement() { stop_.end(); }
+
+bool TMyScript::stopRequested() { return stop_.stopped(); }
+
+void TMyScript::PrepareBreak() {
+  stop_.reset();
+  breakPrepared_ = true;
 }
 
-bool TMyScript::stopRequested() {
-  std::lock_guard lock(mutex_);
-  return stopRequested_;
-}
-
-void TMyScript::BreakExec() {
-  std::lock_guard lock(mutex_);
-  stopRequested_ = true;
-  if (!inFlight_) return;
-  try {
-    KillQuery(killSettings_, threadId_);
-  } catch (const ServerError&) {
-    // The statement ends by itself; the flag still stops the run after it.
-  }
-}
+void TMyScript::BreakExec() { stop_.stop(); }
 
 }  // namespace lomarin

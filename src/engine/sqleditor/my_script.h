@@ -1,13 +1,14 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <istream>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "engine/connect/my_connection.h"
+#include "engine/connect/run_stop.h"
 #include "engine/sqleditor/macros.h"
 
 namespace lomarin {
@@ -43,6 +44,10 @@ class TMyScript {
 
   // Any thread: no further statement starts, and the one in progress is interrupted.
   void BreakExec();
+  // On the thread that hands the run to a worker, before it starts: a BreakExec from then on
+  // stops the run even when it comes before Execute has begun. Without it Execute forgets a
+  // BreakExec that came before it.
+  void PrepareBreak();
   // The last run ended because of BreakExec.
   bool Stopped() const { return stopped_; }
   // Line of the script (from 1) where the statement last given to OnError begins.
@@ -56,11 +61,8 @@ class TMyScript {
   bool stopRequested();
 
   TMyConnection& session_;
-  std::mutex mutex_;
-  bool stopRequested_ = false;
-  bool inFlight_ = false;
-  TMySessionSettings killSettings_;
-  unsigned long threadId_ = 0;
+  TRunStop stop_;
+  std::atomic<bool> breakPrepared_ = false;
   bool stopped_ = false;
   uint64_t statementLine_ = 0;
 };

@@ -15,10 +15,12 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <chrono>
+#include <optional>
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
 #include "engine/connect/my_query.h"
+#include "engine/designers/database_scope.h"
 #include "engine/designers/routine_texts.h"
 #include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/sql_completion.h"
@@ -192,6 +194,13 @@ void TformProcedureBuilder::loadSource() {
 
 void TformProcedureBuilder::actCompileExecute() {
   if (running_) return;
+  // Neither the drop nor a loaded CREATE text names the database: the document's is made current.
+  std::optional<designers::TDatabaseScope> scope;
+  try {
+    scope.emplace(session_, database_);
+  } catch (const ServerError&) {
+    return;  // the session's error handling has shown it
+  }
   if (dropBeforeCompile_ && !name_.empty())
     if (const std::string drop = designers::BuildRoutineDropSql(kind_, name_); !drop.empty())
       ExecSQLText(session_, drop);
@@ -207,7 +216,6 @@ void TformProcedureBuilder::actCompileExecute() {
     action = TErrorAction::eaContinue;
   };
   const auto t0 = std::chrono::steady_clock::now();
-  runningThread_ = 0;
   compiling_ = &script;
   setRunning(true);
   try {

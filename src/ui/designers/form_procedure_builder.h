@@ -111,7 +111,6 @@ class TformProcedureBuilder : public QWidget {
   // The script of the compile under way.
   TMyScript* compiling_ = nullptr;
   bool stopRequested_ = false;
-  unsigned long runningThread_ = 0;
 };
 
 }  // namespace lomarin::ui

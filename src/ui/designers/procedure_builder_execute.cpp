@@ -10,7 +10,6 @@
 #include <QVBoxLayout>
 #include <chrono>
 
-#include "engine/connect/kill_query.h"
 #include "engine/sqleditor/my_script.h"
 #include "ui/dataview/frame_data.h"
 #include "ui/designers/form_procedure_builder.h"
@@ -127,7 +126,6 @@ void TformProcedureBuilder::clearResults() {
 bool TformProcedureBuilder::runOnSession(const QString& what, const std::function<void()>& work) {
   std::optional<ServerError> failure;
   stopRequested_ = false;
-  runningThread_ = session_.ThreadId();
   setRunning(true);
   try {
     activity_->run(
@@ -136,7 +134,6 @@ bool TformProcedureBuilder::runOnSession(const QString& what, const std::functio
     failure = error;
   }
   setRunning(false);
-  runningThread_ = 0;
   if (!failure) return true;
   // The user asked for the interruption; its error tells nothing new.
   if (stopRequested_) return false;
@@ -174,15 +171,10 @@ void TformProcedureBuilder::buExecuteClick() {
 void TformProcedureBuilder::Stop() {
   if (!running_) return;
   stopRequested_ = true;
-  if (compiling_) {
+  if (compiling_)
     compiling_->BreakExec();
-    return;
-  }
-  try {
-    KillQuery(session_.Settings, runningThread_);
-  } catch (const ServerError& error) {
-    if (report_) report_(QString::fromStdString(error.message()));
-  }
+  else
+    proc_.BreakExec();
 }
 
 }  // namespace lomarin::ui

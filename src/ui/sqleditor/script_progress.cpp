@@ -48,6 +48,7 @@ void RunScriptWithProgress(TSessionActivity& activity, TMyScript& script, TWaitP
     });
   };
 
+  script.PrepareBreak();
   activity.run(
       what, [&] { script.Execute(); }, [&] { script.BreakExec(); }, panel);
 }

@@ -9,6 +9,7 @@
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
 
@@ -121,7 +122,7 @@ class ProcedureBuilderTest : public QObject {
 
   void demoFunctionCompiledWithAnErrorAndThenFixed() {
     DesignersFixture f;
-    // Loaded from the demo database, compiled into the scratch one the session is in.
+    // Loaded from the demo database and compiled back into it, though the session is elsewhere.
     auto doc = document(f, {}, "order_total", "Functions", kDemo);
     const QString text = doc->frame()->memo()->text();
     doc->frame()->memo()->setText(QString(text).replace("RETURN COALESCE", "RETURN COALESC("));
@@ -130,12 +131,16 @@ class ProcedureBuilderTest : public QObject {
     doc->frame()->memo()->setText(text);
     f.takeStatements();
     doc->action("actCompile")->trigger();
-    QCOMPARE(f.takeStatements().front(), std::string("drop function if exists order_total"));
+    const std::vector<std::string> sent = f.takeStatements();
+    QCOMPARE(sent.front(), std::string("USE `lomarin_demo`"));
+    QCOMPARE(sent[1], std::string("drop function if exists order_total"));
+    QCOMPARE(sent.back(), std::string("USE `designers_ui`"));
     QCOMPARE(doc->messageView()->topLevelItemCount(), 0);
     QCOMPARE(lomarin::test::scalar(*f.session,
-                                   "SELECT routine_comment FROM information_schema.routines WHERE "
-                                   "routine_schema = 'designers_ui' AND routine_name = 'order_total'"),
-             std::string("Sum of the lines of one order, discounts applied"));
+                                   "SELECT GROUP_CONCAT(routine_schema, ': ', routine_comment) FROM "
+                                   "information_schema.routines WHERE routine_name = 'order_total'"),
+             std::string("lomarin_demo: Sum of the lines of one order, discounts applied"));
+    QCOMPARE(f.session->CurrentDatabase(), std::string("designers_ui"));
   }
 
   void procedureExecutedWithTypedValuesAndOutValuesShown() {
@@ -199,6 +204,40 @@ class ProcedureBuilderTest : public QObject {
     QVERIFY(!slow->isBusy());
     QVERIFY(clock.elapsed() < 20000);
     QVERIFY(f.serverErrors.empty());
+  }
+
+  // Stop pressed while the worker is about to send the statement, before the server has it.
+  void aStopBeforeTheServerHasTheStatementEndsTheRunAtOnce() {
+    DesignersFixture f({"CREATE PROCEDURE slow() SELECT SLEEP(60)"});
+    QElapsedTimer sinceStop;
+    auto doc = document(f, {}, "slow", "Procedures", DesignersFixture::kDatabase);
+    TformProcedureBuilder* running = doc.get();
+    // The monitor hears a statement on the sending thread just before it goes out.
+    f.monitor.addListener([running, &sinceStop](const std::string&) {
+      if (QThread::currentThread() == running->thread() || sinceStop.isValid()) return;
+      QMetaObject::invokeMethod(
+          running,
+          [running, &sinceStop] {
+            sinceStop.start();
+            running->Stop();
+          },
+          Qt::BlockingQueuedConnection);
+    });
+    const auto expectStoppedAtOnce = [&](const std::function<void()>& start) {
+      sinceStop.invalidate();
+      start();
+      QVERIFY(sinceStop.isValid());
+      QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
+      QVERIFY(!running->isBusy());
+      QVERIFY(f.serverErrors.empty());
+      QCOMPARE(lomarin::test::scalar(*f.session, "SELECT 2"), std::string("2"));
+    };
+    expectStoppedAtOnce([&] { doc->findChild<QPushButton*>("buExecute")->click(); });
+    doc->frame()->memo()->setText("DO SLEEP(60);\nCREATE TABLE never (id INT);\n");
+    expectStoppedAtOnce([&] { doc->action("actCompile")->trigger(); });
+    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT COUNT(*) FROM information_schema.tables "
+                                               "WHERE table_schema = 'designers_ui' AND table_name = 'never'"),
+             std::string("0"));
   }
 
   void clearAsksFirst() {
