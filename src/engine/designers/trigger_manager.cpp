@@ -1,6 +1,7 @@
 #include "engine/designers/trigger_manager.h"
 
 #include "engine/dataview/browse_sql.h"
+#include "engine/transfer/sql_text.h"
 
 namespace lomarin::designers {
 
@@ -12,10 +13,12 @@ std::string CheckCreateTrigger(const TTriggerState& state) {
   return {};
 }
 
+// The table comes from the server's list, so one that would not read back bare (a hyphen, a
+// reserved word) is back-quoted; the name is typed and stays as typed.
 std::string BuildCreateTriggerSql(const TTriggerState& state) {
   return "CREATE TRIGGER " + dataview::BackQuote(state.Database) + "." + state.Name + " " + state.Time + " " +
-         state.Event + "\n" +                                     //
-         " ON " + state.Table + "\n" + " FOR EACH ROW " + "\n" +  //
+         state.Event + "\n" +                                                      //
+         " ON " + ScriptName(state.Table, false) + "\n" + " FOR EACH ROW " + "\n" +  //
          state.Body;
 }
 

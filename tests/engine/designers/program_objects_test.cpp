@@ -17,6 +17,11 @@ TEST(TriggerManager, CreateQuotesOnlyTheDatabaseAndBreaksLinesWhereTheDialogDoes
   TTriggerState odd = trigger();
   odd.Database = "my`db";
   EXPECT_EQ(BuildCreateTriggerSql(odd).substr(0, 30), "CREATE TRIGGER `my``db`.stamp ");
+  // A table the bare name would cut or misread.
+  odd.Table = "order-lines";
+  EXPECT_NE(BuildCreateTriggerSql(odd).find("\n ON `order-lines`\n"), std::string::npos);
+  odd.Table = "order";
+  EXPECT_NE(BuildCreateTriggerSql(odd).find("\n ON `order`\n"), std::string::npos);
 }
 
 TEST(TriggerManager, ChecksComeInTheDialogsOrder) {

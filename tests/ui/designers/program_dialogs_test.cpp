@@ -139,6 +139,39 @@ class ProgramDialogsTest : public QObject {
     QVERIFY(!child<QPushButton>(&dialog, "btnOk")->isEnabled());
   }
 
+  // A database and a table with a hyphen, and a body of several statements, changed once.
+  void compoundTriggerOfAHyphenatedDatabase() {
+    DesignersFixture f;
+    lomarin::test::sideExec("DROP DATABASE IF EXISTS `designers-trg`");
+    lomarin::test::sideExec("CREATE DATABASE `designers-trg`");
+    lomarin::test::sideExec("CREATE TABLE `designers-trg`.`price-list` (id INT)");
+    TformTrgMgr dialog(*f.session, *f.settings, {}, "designers-trg");
+    dialog.show();
+    child<QLineEdit>(&dialog, "edName")->setText("stamp");
+    child<QComboBox>(&dialog, "cobotrgtime")->setCurrentText("BEFORE");
+    child<QComboBox>(&dialog, "cobotrgEvent")->setCurrentText("INSERT");
+    child<QComboBox>(&dialog, "coboTable")->setCurrentText("price-list");
+    const QString body = "BEGIN\n  SET NEW.id = NEW.id + 1;\n  SET @seen = NEW.id;\nEND";
+    dialog.fraWhere()->memo()->setText(body);
+    f.takeStatements();
+    child<QPushButton>(&dialog, "btnOk")->click();
+    const std::string head = "CREATE TRIGGER `designers-trg`.stamp BEFORE INSERT\n ON `price-list`\n FOR EACH ROW \n";
+    QCOMPARE(f.takeStatements(), std::vector<std::string>{head + body.toStdString()});
+
+    TformTrgMgr edit(*f.session, *f.settings, {}, "designers-trg", "stamp");
+    edit.show();
+    QCOMPARE(child<QComboBox>(&edit, "coboTable")->currentText(), QString("price-list"));
+    QCOMPARE(edit.fraWhere()->memo()->text(), body);
+    edit.fraWhere()->memo()->setText(QString(body).replace("+ 1", "+ 2"));
+    f.takeStatements();
+    child<QPushButton>(&edit, "btnOk")->click();
+    QCOMPARE(f.takeStatements().front(), std::string("drop trigger `designers-trg`.`stamp`"));
+    QVERIFY(f.serverErrors.empty());
+    lomarin::test::sideExec("INSERT INTO `designers-trg`.`price-list` VALUES (1)");
+    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT id FROM `designers-trg`.`price-list`"), std::string("3"));
+    lomarin::test::sideExec("DROP DATABASE `designers-trg`");
+  }
+
   void oneTimeEventCreatedThenLoadedAndAltered() {
     DesignersFixture f({"CREATE TABLE t (id INT)"});
     QStringList reported;
