@@ -4,7 +4,7 @@
 #include "engine/admin/maintenance.h"
 #include "engine/admin/size_stats.h"
 #include "engine/connect/my_query.h"
-#include "engine/connect/sql_monitor.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin::admin {
@@ -21,9 +21,7 @@ class AdminServer : public ::testing::Test {
     test::sideExec(std::string("CREATE TABLE ") + kDb + ".flat (id INT, v VARCHAR(200)) ENGINE=MyISAM");
     test::sideExec(std::string("INSERT INTO ") + kDb + ".flat SELECT seq, REPEAT('x', 150) FROM " + kDb +
                    ".seq_1_to_400");
-    session->setMonitor(&monitor);
-    monitor.addListener(
-        [this](const std::string& line) { sent.push_back(line.substr(line.find(" ] ") + 3)); });
+    log = std::make_unique<test::SentStatements>(*session);
   }
   void TearDown() override { test::sideExec(std::string("DROP DATABASE IF EXISTS ") + kDb); }
 
@@ -33,17 +31,17 @@ class AdminServer : public ::testing::Test {
     return results;
   }
 
-  TMySQLMonitor monitor;
-  std::vector<std::string> sent;
   std::unique_ptr<TMyConnection> session;
+  std::unique_ptr<test::SentStatements> log;
 };
 
 TEST_F(AdminServer, MaintenanceReportsTheFirstAnswerPerTableAndGoesOnAfterAnError) {
   TMaintenancePlan plan{
       TMaintenanceOperation::Check, TMaintenanceType::Extended, kDb, kDb, {"flat", "missing", "small"}};
   const auto results = run(plan);
-  EXPECT_EQ(sent, (std::vector<std::string>{"check table `flat` Extended", "check table `missing` Extended",
-                                            "check table `small` Extended"}));
+  EXPECT_EQ(log->sent,
+            (std::vector<std::string>{"check table `flat` Extended", "check table `missing` Extended",
+                                      "check table `small` Extended"}));
   ASSERT_EQ(results.size(), 3u);
   EXPECT_EQ(results[0].Table, "flat");
   EXPECT_EQ(results[0].Result, "status : OK");
@@ -53,27 +51,27 @@ TEST_F(AdminServer, MaintenanceReportsTheFirstAnswerPerTableAndGoesOnAfterAnErro
   EXPECT_EQ(results[2].Result, "status : OK");
 
   // A statement the server refuses outright: its error is the table's result and the run goes on.
-  sent.clear();
+  log->sent.clear();
   plan.Operation = TMaintenanceOperation::Analyze;
   plan.Database = "no_such_db`x";
   plan.Tables = {"a", "small"};
   const auto refused = run(plan);
   ASSERT_EQ(refused.size(), 2u);
-  EXPECT_EQ(sent[0], "analyze table no_such_db`x.`a`");
+  EXPECT_EQ(log->sent[0], "analyze table no_such_db`x.`a`");
   EXPECT_EQ(refused[0].Result.rfind("error : ", 0), 0u) << refused[0].Result;
   EXPECT_EQ(refused[1].Table, "small");
 }
 
 TEST_F(AdminServer, MaintenanceOfAnotherDatabaseNamesItAndNothingRunsWithoutTables) {
   EXPECT_TRUE(run({TMaintenanceOperation::Repair, TMaintenanceType::Quick, kDb, kDb, {}}).empty());
-  EXPECT_TRUE(sent.empty());
+  EXPECT_TRUE(log->sent.empty());
 
   session->Settings.Database.clear();
   ExecSQLText(*session, "USE lomarin_demo");
-  sent.clear();
+  log->sent.clear();
   const auto results =
       run({TMaintenanceOperation::Repair, TMaintenanceType::Quick, kDb, "lomarin_demo", {"flat"}});
-  EXPECT_EQ(sent, std::vector<std::string>{"repair table admin_engine.`flat` Quick"});
+  EXPECT_EQ(log->sent, std::vector<std::string>{"repair table admin_engine.`flat` Quick"});
   ASSERT_EQ(results.size(), 1u);
   EXPECT_EQ(results[0].Result, "status : OK");
 }

@@ -1,10 +1,12 @@
+#include "engine/app/explorer_nodes.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "engine/app/explorer_nodes.h"
 #include "engine/connect/server_version.h"
+#include "test_escaper.h"
 
 namespace lomarin::explorer {
 namespace {
@@ -24,12 +26,10 @@ TEST(ExplorerNodes, FoldersFollowTheServerVersion) {
 
 TEST(ExplorerNodes, RootAndDatabaseLevel) {
   EXPECT_EQ(rootText("127.0.0.1"), "MySQL Server[127.0.0.1]");
-  // Stands in for the client library: the test sees where values are escaped.
-  const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
-  EXPECT_EQ(showDatabasesSql("", escape), "Show databases ");
-  EXPECT_EQ(showDatabasesSql("'shop'", escape), "Show databases like '<shop>'");
-  EXPECT_EQ(showDatabasesSql("'o'brien'", escape), "Show databases like '<o'brien>'");
-  EXPECT_EQ(showDatabasesSql("''", escape), "Show databases like '<>'");
+  EXPECT_EQ(showDatabasesSql("", test::marked), "Show databases ");
+  EXPECT_EQ(showDatabasesSql("'shop'", test::marked), "Show databases like '<shop>'");
+  EXPECT_EQ(showDatabasesSql("'o'brien'", test::marked), "Show databases like '<o'brien>'");
+  EXPECT_EQ(showDatabasesSql("''", test::marked), "Show databases like '<>'");
 
   const auto entries = databaseEntries({"a", "shop", "z"}, "shop", "shop");
   ASSERT_EQ(entries.size(), 3u);
@@ -45,9 +45,8 @@ TEST(ExplorerNodes, RootAndDatabaseLevel) {
 
 TEST(ExplorerNodes, FolderStatements) {
   const auto sql = [](const std::string& folder, int major = 5, const std::string& filter = "") {
-    // Stands in for the client library: the test sees where values are escaped.
-    const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
-    return folderStatement({folder, "Shop`DB", "order items"}, major, filter, escape).value_or("<none>");
+    return folderStatement({folder, "Shop`DB", "order items"}, major, filter, test::marked)
+        .value_or("<none>");
   };
   EXPECT_EQ(sql("Tables", 4), "show tables  from `Shop``DB`");
   EXPECT_EQ(sql("Tables"), "show full tables  from `Shop``DB`");

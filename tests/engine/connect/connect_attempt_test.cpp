@@ -4,14 +4,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <string>
 #include <vector>
 
 #include "engine/connect/lost_connection.h"
 #include "engine/connect/my_connection.h"
-#include "engine/connect/sql_monitor.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin {
@@ -81,20 +80,17 @@ TEST(ConnectAttempt, FailureIsThrownWhenTheAttemptIsFinished) {
 }
 
 TEST(ConnectAttempt, AutoCommitOffIsSetAtConnectAndKeptAcrossSilentReconnect) {
-  TMySQLMonitor monitor;
-  std::vector<std::string> lines;
-  monitor.addListener([&](const std::string& line) { lines.push_back(line); });
   TLostConnectionHandler handler([] { return true; });
   TMyConnection session;
-  session.setMonitor(&monitor);
+  test::SentStatements log(session);
   session.Events.OnConnectionLost = [&] { return handler.onConnectionLost(); };
   session.Settings = test::serverSettings();
   session.Settings.AutoCommit = false;
   session.Connect();
   EXPECT_FALSE(session.AutoCommit());
   EXPECT_EQ(test::scalar(session, "SELECT @@autocommit"), "0");
-  ASSERT_FALSE(lines.empty());
-  EXPECT_TRUE(lines.front().ends_with(" ] SET autocommit=0")) << lines.front();
+  ASSERT_FALSE(log.sent.empty());
+  EXPECT_EQ(log.sent.front(), "SET autocommit=0");
 
   ASSERT_TRUE(ExecSQLText(session, "COMMIT"));
   const auto before = session.ThreadId();
@@ -106,13 +102,11 @@ TEST(ConnectAttempt, AutoCommitOffIsSetAtConnectAndKeptAcrossSilentReconnect) {
 
   // On is the server's own default: nothing to send.
   session.Settings.AutoCommit = true;
-  lines.clear();
+  log.sent.clear();
   session.Connect();
   EXPECT_TRUE(session.AutoCommit());
   EXPECT_EQ(test::scalar(session, "SELECT @@autocommit"), "1");
-  EXPECT_TRUE(std::none_of(lines.begin(), lines.end(), [](const std::string& line) {
-    return line.find("SET autocommit") != std::string::npos;
-  }));
+  EXPECT_EQ(log.sent, std::vector<std::string>{"SELECT @@autocommit"});
 }
 
 }  // namespace

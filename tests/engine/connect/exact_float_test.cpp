@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "engine/connect/my_query.h"
-#include "engine/connect/sql_monitor.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin {
@@ -73,10 +73,7 @@ TEST_F(ExactFloatTest, FloatsKeepEveryDigitAndOtherCellsAreTheTextProtocols) {
 }
 
 TEST_F(ExactFloatTest, TheSessionGoesOnAfterAnUnfinishedOrRefusedRead) {
-  TMySQLMonitor monitor;
-  std::vector<std::string> sent;
-  monitor.addListener([&](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
-  session->setMonitor(&monitor);
+  test::SentStatements log(*session);
   TMyQuery first(*session);
   first.SQL = "SELECT f FROM q_types ORDER BY id";
   first.ExactFloats = true;
@@ -97,7 +94,7 @@ TEST_F(ExactFloatTest, TheSessionGoesOnAfterAnUnfinishedOrRefusedRead) {
   refused.SQL = "SELECT f FROM q_types WHERE no_such_column = 1";
   refused.ExactFloats = true;
   EXPECT_THROW(refused.Open(), ServerError);
-  EXPECT_EQ(sent,
+  EXPECT_EQ(log.sent,
             (std::vector<std::string>{"SELECT f FROM q_types ORDER BY id", "SELECT COUNT(*) FROM q_types",
                                       "SELECT f FROM q_types WHERE id = 1; SELECT 2",
                                       "SELECT f FROM q_types WHERE no_such_column = 1"}));

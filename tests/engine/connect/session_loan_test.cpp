@@ -7,34 +7,15 @@
 
 #include "engine/connect/my_connection.h"
 #include "engine/connect/my_query.h"
-#include "engine/connect/sql_monitor.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin {
 namespace {
 
-// The statements a session sent, in order.
-struct Traced {
-  explicit Traced(TMyConnection& session) {
-    monitor.setActive(true);
-    monitor.addListener([this](const std::string& line) {
-      std::lock_guard lock(mutex);
-      sent.push_back(line.substr(line.find("] ") + 2));
-    });
-    session.setMonitor(&monitor);
-  }
-  std::vector<std::string> lines() {
-    std::lock_guard lock(mutex);
-    return sent;
-  }
-  TMySQLMonitor monitor;
-  std::mutex mutex;
-  std::vector<std::string> sent;
-};
-
 TEST(SessionLoan, OtherThreadsWaitForTheBorrowerWhoseErrorsStayWithIt) {
   auto session = test::connect();
-  Traced traced(*session);
+  test::SentStatements traced(*session);
   int errorsSeen = 0;
   session->Events.OnError = [&](const ServerError&) { ++errorsSeen; };
   std::vector<std::string> busyWith;
@@ -64,7 +45,7 @@ TEST(SessionLoan, OtherThreadsWaitForTheBorrowerWhoseErrorsStayWithIt) {
   worker.join();
 
   EXPECT_EQ(busyWith, std::vector<std::string>{"Run SQL: SELECT SLEEP(0.3)"});
-  EXPECT_EQ(traced.lines(),
+  EXPECT_EQ(traced.sent,
             (std::vector<std::string>{"SELECT SLEEP(0.3)", "SELECT * FROM no_such_table", "SELECT 'mine'"}));
   EXPECT_TRUE(borrowerFailed);
   EXPECT_EQ(errorsSeen, 0);

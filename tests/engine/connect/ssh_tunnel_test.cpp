@@ -1,11 +1,6 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
-#include <fstream>
-#include <sstream>
+#include <algorithm>
 
 #include "engine/connect/accounts_session.h"
 #include "engine/connect/lost_connection.h"
@@ -16,6 +11,7 @@
 #include "engine/connect/ssh_key_store.h"
 #include "engine/connect/ssh_login.h"
 #include "ssh_password_server.h"
+#include "test_host.h"
 #include "test_server.h"
 #include "test_ssh_server.h"
 
@@ -23,24 +19,6 @@ namespace lomarin {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string readFile(const fs::path& file) {
-  std::ifstream in(file);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-bool listening(int port) {
-  const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const bool connected = ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-  ::close(fd);
-  return connected;
-}
 
 // A key store with a client key the SSH server lets in, and an account that uses it.
 class SshTunnelTest : public ::testing::Test {
@@ -72,7 +50,7 @@ TEST_F(SshTunnelTest, QueriesReachTheServerAndTheFirstConnectStoresTheHostKey) {
   EXPECT_EQ(test::scalar(session, "SELECT @@port"), std::to_string(test::serverSettings().Port));
   EXPECT_EQ(test::scalar(session, "SELECT COUNT(*) > 0 FROM lomarin_demo.customers"), "1");
 
-  const std::string known = readFile(store.knownHostsFile());
+  const std::string known = test::readText(store.knownHostsFile());
   EXPECT_EQ(known.rfind(hostName() + " ssh-ed25519 AAAA", 0), 0u) << known;
   EXPECT_EQ(std::count(known.begin(), known.end(), '\n'), 1);
 
@@ -81,7 +59,7 @@ TEST_F(SshTunnelTest, QueriesReachTheServerAndTheFirstConnectStoresTheHostKey) {
   EXPECT_FALSE(tunnel.IsOpen());
   connect(session);
   EXPECT_EQ(test::scalar(session, "SELECT 1"), "1");
-  EXPECT_EQ(readFile(store.knownHostsFile()), known);
+  EXPECT_EQ(test::readText(store.knownHostsFile()), known);
 }
 
 TEST_F(SshTunnelTest, AChangedHostKeyIsRefusedNamingBothFingerprintsAndNothingIsStored) {
@@ -90,7 +68,7 @@ TEST_F(SshTunnelTest, AChangedHostKeyIsRefusedNamingBothFingerprintsAndNothingIs
   other.newClientKey("old host key", TSshKeyType::Ed25519);
   const std::string oldLine = other.publicLine("old host key");
   store.addKnownHost(hostName() + " " + oldLine.substr(0, oldLine.rfind(' ')));
-  const std::string known = readFile(store.knownHostsFile());
+  const std::string known = test::readText(store.knownHostsFile());
 
   TMyConnection session;
   try {
@@ -107,7 +85,7 @@ TEST_F(SshTunnelTest, AChangedHostKeyIsRefusedNamingBothFingerprintsAndNothingIs
   }
   EXPECT_FALSE(tunnel.IsOpen());
   EXPECT_FALSE(session.Connected());
-  EXPECT_EQ(readFile(store.knownHostsFile()), known);
+  EXPECT_EQ(test::readText(store.knownHostsFile()), known);
 }
 
 TEST_F(SshTunnelTest, AKeyNameTheStoreDoesNotHoldFailsBeforeConnecting) {
@@ -123,16 +101,7 @@ TEST_F(SshTunnelTest, AKeyNameTheStoreDoesNotHoldFailsBeforeConnecting) {
 }
 
 TEST_F(SshTunnelTest, AnSshServerThatIsNotThereIsNamedAndNothingStaysOpen) {
-  // A port that was free a moment ago: nothing listens on it.
-  const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ASSERT_EQ(::bind(probe, reinterpret_cast<sockaddr*>(&address), length), 0);
-  ASSERT_EQ(::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length), 0);
-  ::close(probe);
-  account.SSHPort = ntohs(address.sin_port);
+  account.SSHPort = test::freeLoopbackPort();
   TMyConnection session;
   try {
     connect(session);
@@ -150,7 +119,7 @@ TEST_F(SshTunnelTest, AnImportedPassphraseProtectedKeyLogsIn) {
   const fs::path file = folder.path() / "id_ed25519";
   ASSERT_EQ(std::system(("ssh-keygen -q -t ed25519 -N pass -f '" + file.string() + "'").c_str()), 0);
   ASSERT_TRUE(store.importClientKey("imported", file, [] { return std::optional<std::string>("pass"); }));
-  test::authorizeKey(readFile(file.string() + ".pub"));
+  test::authorizeKey(test::readText(file.string() + ".pub"));
   account.SSHClientKey = "imported";
   TMyConnection session;
   connect(session);
@@ -169,10 +138,10 @@ TEST_F(SshTunnelTest, AFailedMySqlLoginClosesTheTunnel) {
   account.Password = test::serverSettings().Password;
   connect(session);
   const int port = tunnel.LocalPort();
-  ASSERT_TRUE(listening(port));
+  ASSERT_TRUE(test::listening(port));
   account.Password = "not the password";
   EXPECT_THROW(connect(session), ServerError);
-  EXPECT_FALSE(listening(port));
+  EXPECT_FALSE(test::listening(port));
 }
 
 TEST(SshPasswordLogin, AWrongPasswordIsRefusedAndTheRightOneCarriesQueries) {

@@ -2,22 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "test_escaper.h"
+
 namespace lomarin::dataview {
 namespace {
 
-// Stands in for the session's escaping: a quote gets a backslash.
-std::string escapeQuotes(std::string_view value) {
-  std::string out;
-  for (char c : value) {
-    if (c == '\'') out += '\\';
-    out += c;
-  }
-  return out;
-}
-
 std::string text(TFilterType type, std::string op, std::string value, std::string format = "%Y-%m-%d") {
   return FilterConditionText({"col", std::move(op), std::move(value), type, true, std::move(format)},
-                             escapeQuotes);
+                             test::backslashEscaped);
 }
 
 TEST(FilterCondition, EachTypeWritesItsOwnText) {
@@ -32,10 +24,11 @@ TEST(FilterCondition, EachTypeWritesItsOwnText) {
 }
 
 TEST(FilterCondition, WithoutTypeFormattingOnlyTheValueEnters) {
-  EXPECT_EQ(
-      FilterConditionText({"col", "=", "a = 1 or b IS NULL", TFilterType::Date, false, "%Y"}, escapeQuotes),
-      "a = 1 or b IS NULL");
-  EXPECT_EQ(FilterConditionText({"col", "=", "x > 2", TFilterType::None, true, "%Y"}, escapeQuotes), "x > 2");
+  EXPECT_EQ(FilterConditionText({"col", "=", "a = 1 or b IS NULL", TFilterType::Date, false, "%Y"},
+                                test::backslashEscaped),
+            "a = 1 or b IS NULL");
+  EXPECT_EQ(FilterConditionText({"col", "=", "x > 2", TFilterType::None, true, "%Y"}, test::backslashEscaped),
+            "x > 2");
 }
 
 TEST(FilterCondition, ComposingReplacesOrJoinsWithLowerCaseWords) {

@@ -1,26 +1,17 @@
+#include "engine/sqleditor/my_script.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <thread>
 
 #include "engine/connect/my_query.h"
-#include "engine/connect/sql_monitor.h"
-#include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/script_services.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin {
 namespace {
-
-// Statements the session sent, as the monitor traced them, without the time stamp.
-struct SentLog {
-  explicit SentLog(TMyConnection& session) {
-    monitor.addListener([this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
-    session.setMonitor(&monitor);
-  }
-  TMySQLMonitor monitor;
-  std::vector<std::string> sent;
-};
 
 const std::string kThreeStatements =
     "create table t3 (a int primary key);\n"
@@ -30,7 +21,7 @@ const std::string kThreeStatements =
 std::string runThree(bool optimize, std::vector<std::string>* sent = nullptr) {
   test::sideExec("DROP DATABASE IF EXISTS script_three");
   auto session = test::connect("script_three");
-  SentLog log(*session);
+  test::SentStatements log(*session);
   std::string errors;
   TMyScript script(*session);
   script.SQL = kThreeStatements;
@@ -88,7 +79,7 @@ TEST(MyScript, WithoutHandlerTheFirstErrorEndsTheRun) {
 
 TEST(MyScript, DelimiterBlocksAndMacros) {
   auto session = test::connect();
-  SentLog log(*session);
+  test::SentStatements log(*session);
   TMyScript script(*session);
   script.SQL =
       "DROP PROCEDURE IF EXISTS p_two;\n"
@@ -140,7 +131,7 @@ TEST(MyScript, LineBreaksReachTheServerByteForByte) {
 
 TEST(MyScript, BatchesLeaveOutWhatTheServerWouldReadDifferently) {
   auto session = test::connect();
-  SentLog log(*session);
+  test::SentStatements log(*session);
   TMyScript script(*session);
   // A line comment at the end would swallow the separator; a CALL answers with several results.
   script.SQL = "select 1;\nselect 2;\nselect 3 -- three\n;\nselect 4;\nselect 5;\nCALL no_such_proc();\nselect 6;";
@@ -170,7 +161,7 @@ TEST(MyScript, ProgressReachesTheTotal) {
 
 TEST(MyScript, BreakExecStopsBetweenStatements) {
   auto session = test::connect();
-  SentLog log(*session);
+  test::SentStatements log(*session);
   TMyScript script(*session);
   script.SQL = "select 1; select 2; select 3;";
   script.OnProgress = [&](uint64_t, uint64_t) {
@@ -184,15 +175,15 @@ TEST(MyScript, BreakExecStopsBetweenStatements) {
 TEST(MyScript, BreakExecInterruptsTheStatementInProgress) {
   for (bool optimize : {false, true}) {
     auto session = test::connect();
-    SentLog log(*session);
+    test::SentStatements log(*session);
     TMyScript script(*session);
     script.SQL = "select 1; SELECT SLEEP(30); select 3;";
     script.UseOptimization = optimize;
     std::string errors;
     script.OnError = CollectScriptErrors(errors);
     std::chrono::steady_clock::time_point asked;
-    std::thread stopper([&] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    std::thread stopper([&, threadId = session->ThreadId()] {
+      test::awaitRunning(threadId, "%SLEEP(30)%");
       asked = std::chrono::steady_clock::now();
       script.BreakExec();
     });

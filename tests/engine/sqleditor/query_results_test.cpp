@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/connect/sql_monitor.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin {
@@ -16,16 +16,13 @@ std::vector<std::string> column(TMyQuery& query, size_t c) {
 
 TEST(QueryRun, OneRequestGivesTheFirstRowsResultOpenAndTheLaterOnesRead) {
   auto session = test::connect();
-  TMySQLMonitor monitor;
-  std::vector<std::string> sent;
-  monitor.addListener([&](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
-  session->setMonitor(&monitor);
+  test::SentStatements log(*session);
   test::sideExec("drop table if exists lomarin_test.qr_t");
   const std::string sql =
       "create table qr_t (a int, b varchar(5)); insert into qr_t values (1, 'x'), (2, null); "
       "select a, b from qr_t order by a; do 1; select 'é' as c";
   TQueryRun run = OpenQueryRun(*session, sql, false, 1);
-  EXPECT_EQ(sent, std::vector<std::string>{sql});
+  EXPECT_EQ(log.sent, std::vector<std::string>{sql});
   ASSERT_TRUE(run.First);
   ASSERT_EQ(run.First->Fields().size(), 2u);
   EXPECT_EQ(run.First->Fields()[1].Name, "b");

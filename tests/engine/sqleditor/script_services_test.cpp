@@ -1,8 +1,10 @@
+#include "engine/sqleditor/script_services.h"
+
 #include <gtest/gtest.h>
 
 #include "engine/sqleditor/macros.h"
 #include "engine/sqleditor/run_current.h"
-#include "engine/sqleditor/script_services.h"
+#include "test_escaper.h"
 
 namespace lomarin {
 namespace {
@@ -89,14 +91,12 @@ TEST(Macros, FoundOutsideQuotesAndComments) {
 }
 
 TEST(Macros, FormattingByType) {
-  // Stands in for the client library: the test sees where values are escaped.
-  const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
-  EXPECT_EQ(FormatMacroValue("3.5", "Float", escape), "'<3,5>'");
-  EXPECT_EQ(FormatMacroValue("it's", "String", escape), "'<it's>'");
-  EXPECT_EQ(FormatMacroValue("7", "Integer", escape), "7");
-  EXPECT_EQ(FormatMacroValue("x", "Char", escape), "'<x>'");
-  EXPECT_EQ(FormatMacroValue("2024-01-31 10:00", "DateTime", escape), "'<2024-01-31 10:00>'");
-  EXPECT_EQ(FormatMacroValue("3.5", "Float", escape, false), "3.5");
+  EXPECT_EQ(FormatMacroValue("3.5", "Float", test::marked), "'<3,5>'");
+  EXPECT_EQ(FormatMacroValue("it's", "String", test::marked), "'<it's>'");
+  EXPECT_EQ(FormatMacroValue("7", "Integer", test::marked), "7");
+  EXPECT_EQ(FormatMacroValue("x", "Char", test::marked), "'<x>'");
+  EXPECT_EQ(FormatMacroValue("2024-01-31 10:00", "DateTime", test::marked), "'<2024-01-31 10:00>'");
+  EXPECT_EQ(FormatMacroValue("3.5", "Float", test::marked, false), "3.5");
 }
 
 }  // namespace

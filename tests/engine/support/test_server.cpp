@@ -3,38 +3,28 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <future>
 #include <stdexcept>
 
 #include "engine/connect/kill_query.h"
 #include "engine/connect/my_query.h"
 #include "engine/connect/server_error.h"
+#include "session_watch.h"
+#include "test_host.h"
 
 namespace lomarin::test {
 
-namespace {
-
-std::string env(const char* name) {
-  const char* value = std::getenv(name);
-  if (!value || !*value)
-    throw std::runtime_error(std::string(name) + " is not set: run the tests through ./test");
-  return value;
-}
-
-}  // namespace
-
 TMySessionSettings serverSettings() {
   TMySessionSettings s;
-  s.Server = env("LOMARIN_TEST_HOST");
-  s.Port = std::stoi(env("LOMARIN_TEST_PORT"));
-  s.Username = env("LOMARIN_TEST_USER");
-  s.Password = env("LOMARIN_TEST_PASSWORD");
+  s.Server = requiredEnv("LOMARIN_TEST_HOST");
+  s.Port = std::stoi(requiredEnv("LOMARIN_TEST_PORT"));
+  s.Username = requiredEnv("LOMARIN_TEST_USER");
+  s.Password = requiredEnv("LOMARIN_TEST_PASSWORD");
   s.Protocol = TMyProtocol::TCP;
   return s;
 }
 
-std::string sslDir() { return env("LOMARIN_TEST_SSL_DIR"); }
+std::string sslDir() { return requiredEnv("LOMARIN_TEST_SSL_DIR"); }
 
 std::unique_ptr<TMyConnection> connect(const std::string& database) {
   sideExec("CREATE DATABASE IF NOT EXISTS `" + database + "`");
@@ -75,10 +65,7 @@ void expectKillStopsASleepWithinASecond(TMyConnection& session) {
       return std::to_string(error.number());
     }
   });
-  // Wait until the statement runs on the server, then stop it.
-  while (scalar(*connect(), "SELECT COUNT(*) FROM information_schema.PROCESSLIST WHERE ID = " +
-                                std::to_string(threadId) + " AND INFO LIKE 'SELECT SLEEP%'") != "1") {
-  }
+  awaitRunning(threadId, "SELECT SLEEP%");
   const auto start = std::chrono::steady_clock::now();
   KillQuery(session.Settings, threadId);
   ASSERT_EQ(sleeping.wait_for(std::chrono::seconds(1)), std::future_status::ready);

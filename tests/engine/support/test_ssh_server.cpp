@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "engine/connect/ssh_libssh.h"
+#include "test_host.h"
 #include "test_server.h"
 
 namespace lomarin::test {
@@ -17,20 +18,6 @@ namespace lomarin::test {
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string env(const char* name) {
-  const char* value = std::getenv(name);
-  if (!value || !*value)
-    throw std::runtime_error(std::string(name) + " is not set: run the tests through ./test");
-  return value;
-}
-
-std::string readFile(const fs::path& file) {
-  std::ifstream in(file);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 constexpr const char* kSshVariables[] = {"LOMARIN_TEST_SSH_HOST",     "LOMARIN_TEST_SSH_PORT",
                                          "LOMARIN_TEST_SSH_USER",     "LOMARIN_TEST_SSH_AUTHORIZED_KEYS",
@@ -49,9 +36,9 @@ std::string sshServerMissing() {
 TSshTunnelSettings sshServerSettings(const fs::path& keyStoreFolder) {
   const TMySessionSettings server = serverSettings();
   TSshTunnelSettings s;
-  s.Host = env("LOMARIN_TEST_SSH_HOST");
-  s.Port = std::stoi(env("LOMARIN_TEST_SSH_PORT"));
-  s.User = env("LOMARIN_TEST_SSH_USER");
+  s.Host = requiredEnv("LOMARIN_TEST_SSH_HOST");
+  s.Port = std::stoi(requiredEnv("LOMARIN_TEST_SSH_PORT"));
+  s.User = requiredEnv("LOMARIN_TEST_SSH_USER");
   s.TargetHost = server.Server;
   s.TargetPort = server.Port;
   s.KeyStoreFolder = keyStoreFolder;
@@ -67,32 +54,32 @@ TAccount sshAccount() {
   // Only "SSH To Port" reaches the server; the port field is for a direct connect.
   a.Port = 1;
   a.UseSSH = true;
-  a.SSHServer = env("LOMARIN_TEST_SSH_HOST");
-  a.SSHPort = std::stoi(env("LOMARIN_TEST_SSH_PORT"));
-  a.SSHLogin = env("LOMARIN_TEST_SSH_USER");
+  a.SSHServer = requiredEnv("LOMARIN_TEST_SSH_HOST");
+  a.SSHPort = std::stoi(requiredEnv("LOMARIN_TEST_SSH_PORT"));
+  a.SSHLogin = requiredEnv("LOMARIN_TEST_SSH_USER");
   a.SSHToPort = std::to_string(server.Port);
   return a;
 }
 
 void authorizeKey(const std::string& publicLine) {
-  std::ofstream(env("LOMARIN_TEST_SSH_AUTHORIZED_KEYS"), std::ios::app) << publicLine << "\n";
+  std::ofstream(requiredEnv("LOMARIN_TEST_SSH_AUTHORIZED_KEYS"), std::ios::app) << publicLine << "\n";
 }
 
 std::string sshHostKeyFingerprint() {
   ssh_key key = nullptr;
-  if (ssh_pki_import_pubkey_file(env("LOMARIN_TEST_SSH_HOST_KEY").c_str(), &key) != SSH_OK)
+  if (ssh_pki_import_pubkey_file(requiredEnv("LOMARIN_TEST_SSH_HOST_KEY").c_str(), &key) != SSH_OK)
     throw std::runtime_error("cannot read the SSH server's host key");
   const SshKey owned(key);
   return Sha256Fingerprint(owned.get());
 }
 
 int killSshConnections() {
-  const long listener = std::stol(readFile(env("LOMARIN_TEST_SSH_PID_FILE")));
+  const long listener = std::stol(readText(requiredEnv("LOMARIN_TEST_SSH_PID_FILE")));
   std::map<long, long> parents;
   for (const auto& entry : fs::directory_iterator("/proc")) {
     const std::string name = entry.path().filename().string();
     if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-    const std::string stat = readFile(entry.path() / "stat");
+    const std::string stat = readText(entry.path() / "stat");
     const auto end = stat.rfind(')');
     if (end == std::string::npos) continue;
     std::istringstream fields(stat.substr(end + 2));

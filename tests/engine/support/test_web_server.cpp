@@ -1,49 +1,28 @@
 #include "test_web_server.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 
 #include "engine/connect/tunnel_script.h"
+#include "test_host.h"
 #include "test_server.h"
 
 namespace lomarin::test {
 
 namespace {
 
-std::string readFile(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-bool listening(int port) {
-  const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const bool connected = ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-  ::close(fd);
-  return connected;
-}
-
 void awaitListening(int port, const std::string& what, const std::filesystem::path& log) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   while (!listening(port)) {
     if (std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error(what + " did not start: " + readFile(log));
+      throw std::runtime_error(what + " did not start: " + readText(log));
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
@@ -82,18 +61,6 @@ ChildProcess::~ChildProcess() {
   ::waitpid(pid_, nullptr, 0);
 }
 
-int freeLoopbackPort() {
-  const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  ::bind(fd, reinterpret_cast<sockaddr*>(&address), length);
-  ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-  ::close(fd);
-  return ntohs(address.sin_port);
-}
-
 TunnelWebServer::TunnelWebServer(const std::vector<std::string>& allowedHosts) : port_(freeLoopbackPort()) {
   std::string script = TunnelScript(kTunnelSecret);
   const auto set = [&script](const std::string& line, const std::string& value) {
@@ -120,7 +87,7 @@ std::string TunnelWebServer::url() const {
 bool TunnelWebServer::awaitOpened(size_t count) const {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
   for (;;) {
-    const std::string log = readFile(root_.path() / "php.log");
+    const std::string log = readText(root_.path() / "php.log");
     size_t opened = 0;
     for (size_t at = 0; (at = log.find("GET /tunnel.php?a=open", at)) != std::string::npos; ++at) ++opened;
     if (opened >= count) return opened == count;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/connect/accounts.h"
+#include "test_host.h"
 #include "test_ssh_server.h"
 
 namespace lomarin::test {
@@ -26,9 +27,6 @@ class ChildProcess {
  private:
   pid_t pid_;
 };
-
-// A free port of 127.0.0.1 at the moment of asking.
-int freeLoopbackPort();
 
 // PHP's built-in web server, with several workers, serving the shipped tunnel script (its secret
 // set to kTunnelSecret) on a free loopback port, for as long as the object lives.

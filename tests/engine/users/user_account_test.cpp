@@ -6,8 +6,8 @@
 
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
-#include "engine/connect/sql_monitor.h"
 #include "engine/dataview/browse_sql.h"
+#include "session_watch.h"
 #include "test_server.h"
 
 namespace lomarin::users {
@@ -20,9 +20,7 @@ class UserAccount : public ::testing::Test {
       test::sideExec(std::string("CREATE DATABASE IF NOT EXISTS ") + db);
     dropUser();
     session = test::connect("users_eng_a");
-    session->setMonitor(&monitor);
-    monitor.addListener(
-        [this](const std::string& line) { traced.push_back(line.substr(line.find(" ] ") + 3)); });
+    log = std::make_unique<test::SentStatements>(*session);
   }
   void TearDown() override {
     dropUser();
@@ -36,7 +34,7 @@ class UserAccount : public ::testing::Test {
   }
   void run(const std::vector<std::string>& script, const std::vector<std::string>& masked) {
     TMyConnection::MultiStatements multi(*session);
-    traced.clear();
+    log->sent.clear();
     ASSERT_TRUE(ExecSQLText(*session, dataview::JoinLines(script), dataview::JoinLines(masked),
                             [](const ServerError& e) { ADD_FAILURE() << e.message(); }));
   }
@@ -68,9 +66,8 @@ class UserAccount : public ::testing::Test {
   }
 
   const std::string user = "lmu_eng_" + std::to_string(getpid());
-  TMySQLMonitor monitor;
-  std::vector<std::string> traced;
   std::unique_ptr<TMyConnection> session;
+  std::unique_ptr<test::SentStatements> log;
 };
 
 TEST_F(UserAccount, CreatedAccountLogsInAndLoadsBackAsItWasMade) {
@@ -89,9 +86,9 @@ TEST_F(UserAccount, CreatedAccountLogsInAndLoadsBackAsItWasMade) {
   run(BuildCreateUserScript(form, data.SchemaColumns, dialect, escaper()),
       BuildCreateUserScript(form, data.SchemaColumns, dialect, MaskPassword));
 
-  ASSERT_EQ(traced.size(), 1u);
-  EXPECT_EQ(traced[0].find("s3cret"), std::string::npos);
-  EXPECT_NE(traced[0].find("IDENTIFIED BY '********'"), std::string::npos);
+  ASSERT_EQ(log->sent.size(), 1u);
+  EXPECT_EQ(log->sent[0].find("s3cret"), std::string::npos);
+  EXPECT_NE(log->sent[0].find("IDENTIFIED BY '********'"), std::string::npos);
   EXPECT_TRUE(logsIn("it's s3cret"));
   const auto shown = grants();
   ASSERT_EQ(shown.size(), 2u);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/users/user_account.h"
+#include "test_escaper.h"
 
 namespace lomarin::users {
 namespace {
@@ -114,12 +115,7 @@ TEST(CreateUserScript, GlobalThenSchemaGrantsInListOrder) {
 TEST(CreateUserScript, BackQuotesInNamesAreDoubledAndThePasswordIsEscaped) {
   TUserForm f = form("o`neil", "h`st");
   f.Password = "it's";
-  const auto escape = [](std::string_view v) {
-    std::string out;
-    for (char c : v) out += c == '\'' ? std::string("\\'") : std::string(1, c);
-    return out;
-  };
-  EXPECT_EQ(BuildCreateUserScript(f, kColumns, kMariaDb, escape).front(),
+  EXPECT_EQ(BuildCreateUserScript(f, kColumns, kMariaDb, test::backslashEscaped).front(),
             "GRANT USAGE ON *.* TO `o``neil`@`h``st` IDENTIFIED BY 'it\\'s';");
 }
 
@@ -242,9 +238,8 @@ TEST(SchemaColumns, TheGridShowsTheColumnsTheServerHas) {
 }
 
 TEST(LoadingQueries, ValuesAreEscapedAndQuoted) {
-  const auto escape = [](std::string_view v) { return "<" + std::string(v) + ">"; };
-  EXPECT_EQ(LoadUserSql("ann", escape), "SELECT * FROM mysql.user WHERE user.User ='<ann>'");
-  EXPECT_EQ(LoadSchemaPrivilegesSql("ann", "alpha", escape),
+  EXPECT_EQ(LoadUserSql("ann", test::marked), "SELECT * FROM mysql.user WHERE user.User ='<ann>'");
+  EXPECT_EQ(LoadSchemaPrivilegesSql("ann", "alpha", test::marked),
             "SELECT * FROM mysql.db WHERE mysql.db.User='<ann>' AND \n mysql.db.Db ='<alpha>' ");
 }
 

@@ -16,4 +16,7 @@ inline std::string backslashEscaped(std::string_view value) {
   return out;
 }
 
+// Stands in for the client library's escaping, so a test sees where a value is escaped.
+inline std::string marked(std::string_view value) { return "<" + std::string(value) + ">"; }
+
 }  // namespace lomarin::test
