@@ -2,28 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include "designer_rows.h"
 #include "test_escaper.h"
 
 namespace lomarin::designers {
 namespace {
 
-TAlterColumnState column(std::string name, std::string type) {
-  TAlterColumnState state;
-  state.Table = "t";
-  state.Name = std::move(name);
-  state.DataType = std::move(type);
-  state.After = "id";
-  return state;
-}
-
 TEST(AddColumn, DefaultIsWrittenAsTypedExceptForEnumAndSet) {
-  TAlterColumnState n = column("n", "int");
+  TAlterColumnState n = alterColumn("n", "int");
   n.Length = "11";
   n.Default = "5";
   n.NotNull = n.Unsigned = true;
   EXPECT_EQ(BuildAddColumnSql(n, test::backslashEscaped),
             "Alter table t Add n int(11)  UNSIGNED  Default 5 Not Null  After id");
-  TAlterColumnState s = column("s", "enum");
+  TAlterColumnState s = alterColumn("s", "enum");
   s.Values = "a,b c,it's";
   s.Default = "it's";
   EXPECT_EQ(BuildAddColumnSql(s, test::backslashEscaped),
@@ -31,17 +23,17 @@ TEST(AddColumn, DefaultIsWrittenAsTypedExceptForEnumAndSet) {
 }
 
 TEST(AddColumn, WithoutDefaultTheOtherTemplate) {
-  TAlterColumnState v = column("v", "varchar");
+  TAlterColumnState v = alterColumn("v", "varchar");
   v.Length = "20";
   EXPECT_EQ(BuildAddColumnSql(v, test::backslashEscaped), "Alter table t Add v varchar(20)     After id");
-  TAlterColumnState z = column("z", "int");
+  TAlterColumnState z = alterColumn("z", "int");
   z.Unsigned = z.Zerofill = z.AutoIncrement = true;
   EXPECT_EQ(BuildAddColumnSql(z, test::backslashEscaped),
             "Alter table t Add z int  UNSIGNED ZEROFILL   AUTO_INCREMENT After id");
 }
 
 TEST(ChangeColumn, RenamesAndRetypesInOneChange) {
-  TAlterColumnState c = column("new", "bigint");
+  TAlterColumnState c = alterColumn("new", "bigint");
   c.PresentName = "old";
   c.Length = "20";
   c.NotNull = c.AutoIncrement = true;
@@ -55,7 +47,7 @@ TEST(ChangeColumn, RenamesAndRetypesInOneChange) {
 }
 
 TEST(ChangeColumn, EnumAndSetAreModifiedAndKeepTheirName) {
-  TAlterColumnState e = column("renamed", "enum");
+  TAlterColumnState e = alterColumn("renamed", "enum");
   e.PresentName = "c";
   e.Values = "x,y";
   e.NotNull = true;
@@ -63,7 +55,7 @@ TEST(ChangeColumn, EnumAndSetAreModifiedAndKeepTheirName) {
   // No placeholder of the template reaches the server, unsigned or not.
   EXPECT_EQ(BuildChangeColumnSql(e, test::backslashEscaped),
             "ALTER TABLE t MODIFY COLUMN `c` enum('x','y')  Not Null  ");
-  TAlterColumnState s = column("c", "set");
+  TAlterColumnState s = alterColumn("c", "set");
   s.PresentName = "c";
   s.Values = "x,y";
   s.Default = "x";

@@ -1,6 +1,7 @@
 // The builders' statements as the server takes them, read back from the server.
 #include <gtest/gtest.h>
 
+#include "designer_rows.h"
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/designers/alter_column.h"
@@ -41,25 +42,14 @@ class DesignerStatements : public ::testing::Test {
   const explorer::ValueEscaper escape = [this](std::string_view value) { return EscapeString(*session, value); };
 };
 
-TTableColumnRow column(std::string name, std::string type) {
-  TTableColumnRow row;
-  row.Name = std::move(name);
-  row.DataType = std::move(type);
-  return row;
-}
-
 TEST_F(DesignerStatements, DesignedTablesWithKeysIndexForeignKeyAndPartitions) {
-  TCreateTableState parent;
-  parent.Database = kDb;
-  parent.Name = "customers";
-  parent.TableType = "InnoDB";
   TTableColumnRow id = column("id", "int");
   id.Key = id.Mandatory = id.AutoIncrement = "Y";
   TTableColumnRow name = column("name", "varchar");
   name.Lenght = "40";
   name.Index = "Y";
   name.Default = "nobody";
-  parent.Rows = {id, name};
+  TCreateTableState parent = table({id, name}, "InnoDB", kDb, "customers");
   exec(BuildCreateTableSql(parent, session->ServerVersionNumber(), escape));
 
   TCreateTableState child = parent;
@@ -81,10 +71,7 @@ TEST_F(DesignerStatements, DesignedTablesWithKeysIndexForeignKeyAndPartitions) {
       << orders;
   EXPECT_NE(orders.find("COMMENT='kept'"), std::string::npos) << orders;
 
-  TCreateTableState parted;
-  parted.Database = kDb;
-  parted.Name = "parted";
-  parted.Rows = {id};
+  TCreateTableState parted = table({id}, "MyISAM", kDb, "parted");
   parted.PartitionType = TPartitionType::Hash;
   parted.Expression = "id";
   parted.PartitionCount = 3;
@@ -95,26 +82,17 @@ TEST_F(DesignerStatements, DesignedTablesWithKeysIndexForeignKeyAndPartitions) {
 
 TEST_F(DesignerStatements, ColumnsAddedChangedAndModified) {
   exec("CREATE TABLE t (id INT PRIMARY KEY, old INT, e ENUM('x','y'))");
-  TAlterColumnState add;
-  add.Table = "t";
-  add.Name = "n";
-  add.DataType = "varchar";
+  TAlterColumnState add = alterColumn("n", "varchar");
   add.Length = "10";
   add.Default = "'dflt'";
   add.NotNull = true;
-  add.After = "id";
   exec(BuildAddColumnSql(add, escape));
-  TAlterColumnState change;
-  change.Table = "t";
+  TAlterColumnState change = alterColumn("renamed", "bigint");
   change.PresentName = "old";
-  change.Name = "renamed";
-  change.DataType = "bigint";
   change.Unsigned = true;
   exec(BuildChangeColumnSql(change, escape));
-  TAlterColumnState modify;
-  modify.Table = "t";
+  TAlterColumnState modify = alterColumn("", "enum");
   modify.PresentName = "e";
-  modify.DataType = "enum";
   modify.Values = "x,y,z";
   modify.Default = "z";
   modify.NotNull = true;
@@ -134,22 +112,15 @@ TEST_F(DesignerStatements, QuotesBackslashesAndLineBreaksInTextsArriveExactly) {
     SCOPED_TRACE(mode);
     exec("SET SESSION sql_mode = '" + mode + "'");
     exec("DROP TABLE IF EXISTS t");
-    TCreateTableState state;
-    state.Database = kDb;
-    state.Name = "t";
-    state.TableType = "InnoDB";
-    state.Comment = text;
     TTableColumnRow id = column("id", "int");
     id.Key = id.Mandatory = "Y";
     TTableColumnRow note = column("note", "varchar");
     note.Lenght = "60";
     note.Default = text;
-    state.Rows = {id, note};
+    TCreateTableState state = table({id, note}, "InnoDB", kDb);
+    state.Comment = text;
     exec(BuildCreateTableSql(state, session->ServerVersionNumber(), escape));
-    TAlterColumnState kind;
-    kind.Table = "t";
-    kind.Name = "kind";
-    kind.DataType = "enum";
+    TAlterColumnState kind = alterColumn("kind", "enum");
     kind.Values = "o'clock,back\\slash";
     kind.Default = "o'clock";
     kind.After = "note";
