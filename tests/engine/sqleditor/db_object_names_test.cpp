@@ -4,7 +4,8 @@
 
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
-#include "engine/connect/sql_monitor.h"
+#include "session_watch.h"
+#include "test_escaper.h"
 #include "test_server.h"
 
 namespace lomarin {
@@ -12,33 +13,23 @@ namespace {
 
 using K = TDbObjectKind;
 
-// Stands in for the client library, so the test sees where a value is escaped.
-std::string marked(std::string_view value) { return "<" + std::string(value) + ">"; }
-
-TEST(DbObjectNames, StatementsFollowTheServerVersion) {
-  EXPECT_EQ(DbObjectStatements("shop", 10, 110, marked), (std::vector<std::string>{
-                                                     R"(show full tables  from `shop`)",
-                                                     R"(SHOW PROCEDURE STATUS where lower(db) = '<shop>')",
-                                                     R"(SHOW FUNCTION STATUS where lower(db) = '<shop>')",
-                                                     R"(SHOW TRIGGERS FROM `shop`)",
-                                                     R"(show events from `shop`)",
-                                                 }));
-  // 5.0 has no events; 4.x only tables. Routines compare the name in lower case, back-quotes double.
-  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50, marked).size(), 4u);
-  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50, marked)[1], "SHOW PROCEDURE STATUS where lower(db) = '<sh`op>'");
-  EXPECT_EQ(DbObjectStatements("Sh`op", 4, 41, marked), std::vector<std::string>{"show tables  from `Sh``op`"});
+// The texts are the object explorer's folder statements.
+TEST(DbObjectNames, OneStatementPerKindTheServerVersionHas) {
+  // Tables and views share one; 5.0 has no events; 4.x only tables.
+  EXPECT_EQ(DbObjectStatements("shop", 10, 110, test::marked).size(), 5u);
+  EXPECT_EQ(DbObjectStatements("shop", 5, 50, test::marked).size(), 4u);
+  EXPECT_EQ(DbObjectStatements("Sh`op", 5, 50, test::marked)[1],
+            "SHOW PROCEDURE STATUS where lower(db) = '<sh`op>'");
+  EXPECT_EQ(DbObjectStatements("Sh`op", 4, 41, test::marked),
+            std::vector<std::string>{"show tables  from `Sh``op`"});
 }
 
 // A session on a database, with what it sent.
 struct Watched {
-  explicit Watched(const std::string& database) : session(test::connect(database)) {
-    monitor.addListener(
-        [this](const std::string& line) { sent.push_back(line.substr(line.find("] ") + 2)); });
-    session->setMonitor(&monitor);
-  }
+  explicit Watched(const std::string& database) : session(test::connect(database)), log(*session) {}
   std::unique_ptr<TMyConnection> session;
-  TMySQLMonitor monitor;
-  std::vector<std::string> sent;
+  test::SentStatements log;
+  std::vector<std::string>& sent = log.sent;
 };
 
 TEST(DbObjectNames, DemoDatabaseListsEveryKindInOrder) {
