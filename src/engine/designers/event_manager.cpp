@@ -36,13 +36,20 @@ std::string ScheduleTime(std::string_view time) {
   return literal ? "'" + std::string(time) + "'" : std::string(time);
 }
 
+// A compound value ("1:30" for HOUR_MINUTE) reads as one only between quotes; a whole number and
+// anything else are written as typed.
+std::string IntervalValue(std::string_view value) {
+  const bool number = !value.empty() && std::all_of(value.begin(), value.end(), isDigit);
+  return number ? std::string(value) : ScheduleTime(value);
+}
+
 std::string BuildEventSql(const TEventState& state, const explorer::ValueEscaper& escape) {
   std::string schedule;
   if (!state.Recurring) {
     schedule = "ON SCHEDULE AT " + ScheduleTime(state.At);
-    if (!state.AtInterval.empty()) schedule += " + INTERVAL " + state.AtInterval + " " + state.AtIntervalUnit;
+    if (!state.AtInterval.empty()) schedule += " + INTERVAL " + IntervalValue(state.AtInterval) + " " + state.AtIntervalUnit;
   } else {
-    schedule = "ON SCHEDULE EVERY " + state.EveryValue + " " + state.EveryUnit;
+    schedule = "ON SCHEDULE EVERY " + IntervalValue(state.EveryValue) + " " + state.EveryUnit;
     if (state.HasStart) schedule += " STARTS " + ScheduleTime(state.Starts);
     if (state.HasEnd) schedule += " ENDS " + ScheduleTime(state.Ends);
   }

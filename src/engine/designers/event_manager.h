@@ -38,6 +38,8 @@ struct TEventState {
 std::string CheckEvent(const TEventState& state);
 // How a schedule time is written: a date-time literal between single quotes, an expression bare.
 std::string ScheduleTime(std::string_view time);
+// How an interval value is written: a compound one ("1:30", "1 2") between single quotes.
+std::string IntervalValue(std::string_view value);
 // The CREATE EVENT lines joined by "\n", or the ALTER EVENT text in alter mode. The comment goes
 // through escape (the session's client library, which knows the SQL mode).
 std::string BuildEventSql(const TEventState& state, const explorer::ValueEscaper& escape);

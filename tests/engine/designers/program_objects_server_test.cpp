@@ -139,17 +139,21 @@ TEST_F(ProgramObjects, OneTimeAndRecurringEventsCreatedReadBackAndAltered) {
   EXPECT_EQ(row[10], "PRESERVE");
 
   every.Alter = true;
-  every.EveryValue = "1";
-  every.EveryUnit = "DAY";
+  every.EveryValue = "1:30";
+  every.EveryUnit = "HOUR_MINUTE";
   every.HasEnd = false;
   every.Comment = "daily";
   ASSERT_TRUE(ExecScriptText(*session, BuildEventSql(every, escape()),
                              [](const ServerError& e) { FAIL() << e.message(); }));
   row = loadRow(kLoadEventSql, {{"db", kDb}, {"event", "every"}});
-  EXPECT_EQ(row[5], "1");
-  EXPECT_EQ(row[6], "DAY");
+  EXPECT_EQ(row[5], "'1:30'");
+  EXPECT_EQ(row[6], "HOUR_MINUTE");
   EXPECT_EQ(row[8], "2031-01-01 00:00:00");  // ALTER without ENDS keeps the end
   EXPECT_EQ(row[14], "daily");
+  // The value as loaded goes back unchanged.
+  every.EveryValue = row[5];
+  ASSERT_TRUE(ExecScriptText(*session, BuildEventSql(every, escape()),
+                             [](const ServerError& e) { FAIL() << e.message(); }));
 }
 
 // A quote and a backslash in the comment reach the server as typed, whatever the SQL mode says

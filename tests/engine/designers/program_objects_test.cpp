@@ -75,6 +75,12 @@ TEST(EventManager, ALiteralTimeIsQuotedAnExpressionIsNot) {
   // A digit first is not enough: a literal never holds a quote or a letter.
   EXPECT_EQ(ScheduleTime("2026-11-23' OR '"), "2026-11-23' OR '");
   EXPECT_EQ(ScheduleTime(""), "");
+  // An interval value: a whole number bare, a compound one quoted, a quoted one (as the server
+  // shows it) as it stands.
+  EXPECT_EQ(IntervalValue("15"), "15");
+  EXPECT_EQ(IntervalValue("1:30"), "'1:30'");
+  EXPECT_EQ(IntervalValue("1 2"), "'1 2'");
+  EXPECT_EQ(IntervalValue("'1:30'"), "'1:30'");
 }
 
 // Marks what went through the escaper.
