@@ -45,10 +45,7 @@ TEST(ShellText, AssertionFailuresReadAsUnstableNetwork) {
 }
 
 TEST(ShellText, OutputPaneHeightFallsBackTo80) {
-  EXPECT_EQ(outputPaneHeight("0"), 80);
-  EXPECT_EQ(outputPaneHeight("-5"), 80);
-  EXPECT_EQ(outputPaneHeight(""), 80);
-  EXPECT_EQ(outputPaneHeight("12px"), 80);
+  for (const char* text : {"0", "-5", "", "12px"}) EXPECT_EQ(outputPaneHeight(text), 80) << text;
   EXPECT_EQ(outputPaneHeight("150"), 150);
 }
 

@@ -39,12 +39,14 @@ TEST(Session, EventsRunInOrderAroundConnectAndDisconnect) {
   EXPECT_EQ(seen, (std::vector<std::string>{"before-", "after+", "bdisc+", "adisc-"}));
 }
 
-TEST(Session, HandshakeVersionOfMariaDbReadsAsFiveFive) {
+TEST(Session, HandshakeVersionOfMariaDbReadsAsFiveFiveAndTheInfoTextNamesIt) {
   auto session = test::connect();
   EXPECT_EQ(session->ServerVersion().rfind("5.5.5-", 0), 0u) << session->ServerVersion();
   EXPECT_NE(session->ServerVersion().find(test::scalar(*session, "SELECT VERSION()")), std::string::npos);
   EXPECT_EQ(session->ServerMajorVersion(), 5);
   EXPECT_EQ(session->ServerVersionNumber(), 55);
+  EXPECT_EQ(session->GetMySQLinfo(), "MySQL Server   " + session->ServerVersion() + "\nMySQL Client   " +
+                                         session->ClientVersion() + "\nCharset        utf8mb4\r\n");
 }
 
 TEST(Session, CharsetDefaultIsLeftToServerAndNamedOneIsApplied) {
@@ -155,12 +157,6 @@ TEST(Session, MultiStatementsOnlyInTheirScopeWhereAStreamedQueryLeavesTheSession
   }
   refused();
   EXPECT_EQ(test::scalar(*session, "SELECT 4"), "4");
-}
-
-TEST(Session, MySQLinfoNamesServerClientAndCharset) {
-  auto session = test::connect();
-  EXPECT_EQ(session->GetMySQLinfo(), "MySQL Server   " + session->ServerVersion() + "\nMySQL Client   " +
-                                         session->ClientVersion() + "\nCharset        utf8mb4\r\n");
 }
 
 TEST(Session, MonitorTracesEveryStatementSentWhileActive) {
