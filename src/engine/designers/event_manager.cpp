@@ -53,10 +53,12 @@ std::string BuildEventSql(const TEventState& state, const explorer::ValueEscaper
     if (state.HasStart) schedule += " STARTS " + ScheduleTime(state.Starts);
     if (state.HasEnd) schedule += " ENDS " + ScheduleTime(state.Ends);
   }
-  const std::string sql = "CREATE EVENT " + dataview::BackQuote(state.Name) + "\n" +  //
-                          schedule + "\n" +
-                          (state.NotPreserve ? "ON COMPLETION NOT PRESERVE" : "ON COMPLETION PRESERVE") +
-                          "\n" + (state.Enabled ? "ENABLE" : "DISABLE") + "\n" +      //
+  const bool renamed = state.Alter && !state.AlterName.empty() && state.AlterName != state.Name;
+  const std::string sql = "CREATE EVENT " + dataview::BackQuote(renamed ? state.AlterName : state.Name) +
+                          "\n" + schedule + "\n" +
+                          (state.NotPreserve ? "ON COMPLETION NOT PRESERVE" : "ON COMPLETION PRESERVE") + "\n" +
+                          (renamed ? "RENAME TO " + dataview::BackQuote(state.Name) + "\n" : std::string()) +
+                          (state.Enabled ? "ENABLE" : "DISABLE") + "\n" +            //
                           "COMMENT '" + escape(state.Comment) + "'" + " DO" + "\n" +  //
                           state.Body;
   return state.Alter ? replaceAll(sql, "CREATE EVENT", "ALTER EVENT") : sql;

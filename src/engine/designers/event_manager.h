@@ -32,6 +32,8 @@ struct TEventState {
   std::string Comment;
   std::string Body;
   bool Alter = false;
+  // In alter mode, the name the server holds the event under; another Name renames it.
+  std::string AlterName;
 };
 
 // The message that stops the statement, or empty when it can be built.

@@ -124,6 +124,7 @@ designers::TEventState TfrmEventManager::state() const {
   state.Comment = ui_->cxmemoComment->toPlainText().toStdString();
   state.Body = frameText(fraDefinition_);
   state.Alter = alter_;
+  if (alter_) state.AlterName = name_.toStdString();
   return state;
 }
 
@@ -147,7 +148,7 @@ void TfrmEventManager::btnOkClick() {
     // ";", so the text goes as one statement.
     designers::TDatabaseScope scope(session_, database_.toStdString());
     if (!ExecSQLText(session_, sql)) return;
-    if (!alter_) holdEvent(qs(session_.CurrentDatabase()), qs(event.Name));
+    holdEvent(alter_ ? database_ : qs(session_.CurrentDatabase()), qs(event.Name));
   } catch (const ServerError&) {
     return;  // the session's error handling has shown it
   }

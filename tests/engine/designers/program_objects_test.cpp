@@ -139,6 +139,11 @@ TEST(EventManager, RecurringEventWithStartAndEndAndItsAlterForm) {
             "ENABLE\n"
             "COMMENT '<>' DO\n"
             "INSERT INTO beats VALUES (NOW())");
+  // A name changed in alter mode: the event is found under its old name and renamed.
+  event.AlterName = "tock";
+  EXPECT_EQ(BuildEventSql(event, marked).substr(0, 19), "ALTER EVENT `tock`\n");
+  EXPECT_NE(BuildEventSql(event, marked).find("\nON COMPLETION NOT PRESERVE\nRENAME TO `tick`\nENABLE\n"),
+            std::string::npos);
   EXPECT_EQ(EventEditCaption("shop", "tick"), "EVENT [shop.tick]");
 }
 

@@ -297,14 +297,19 @@ class ProgramDialogsTest : public QObject {
     check(&dialog, "cxchkEnabled", false);
     check(&dialog, "cxchkCompletion", false);
     child<QPlainTextEdit>(&dialog, "cxmemoComment")->setPlainText("say \"it's\" \\n");
+    setLine(&dialog, "cxEventName", "tallied");
     f.takeStatements();
     child<QPushButton>(&dialog, "btnOk")->click();
     const std::vector<std::string> sent = f.takeStatements();
     QCOMPARE(sent.size(), size_t(3));
     QVERIFY(sent[1].starts_with("ALTER EVENT `tally`\nON SCHEDULE EVERY 1 DAY STARTS '"));
+    QVERIFY(sent[1].find("\nON COMPLETION PRESERVE\nRENAME TO `tallied`\nDISABLE\n") != std::string::npos);
     QVERIFY(f.serverErrors.empty());
-    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT CONCAT_WS('|', status, on_completion, event_comment)" + where),
-             std::string("DISABLED|PRESERVE|say \"it's\" \\n"));
+    QCOMPARE(dialog.windowTitle(), QString("EVENT [designers-events.tallied]"));
+    QCOMPARE(lomarin::test::scalar(*f.session, "SELECT CONCAT_WS('|', event_name, status, on_completion, "
+                                               "event_comment) FROM information_schema.events WHERE "
+                                               "event_schema = 'designers-events'"),
+             std::string("tallied|DISABLED|PRESERVE|say \"it's\" \\n"));
     QCOMPARE(f.session->CurrentDatabase(), std::string("designers_ui"));
     lomarin::test::sideExec("DROP DATABASE `designers-events`");
   }
