@@ -4,9 +4,11 @@
 
 #include <cctype>
 #include <cstring>
+#include <map>
 #include <streambuf>
 
 #include "engine/connect/my_query.h"
+#include "engine/sqleditor/insert_fold.h"
 #include "engine/sqleditor/statement_splitter.h"
 
 namespace lomarin {
@@ -69,11 +71,12 @@ class TMyScript::Runner {
     while (!script_.stopped_ && splitter_.next(statement)) {
       if (!script_.Macros.empty()) statement = ExpandMacros(statement, script_.Macros);
       if (script_.UseOptimization && batchable(statement, splitter_.delimiter())) {
-        if (batchBytes_ + statement.size() > kBatchBytes) flushBatch();
-        batchBytes_ += statement.size() + 2;
-        batch_.push_back(std::move(statement));
-        batchLines_.push_back(splitter_.statementLine());
-        statement.clear();
+        if (!fold(statement)) {
+          if (batchBytes_ + statement.size() > kBatchBytes) flushBatch();
+          batchBytes_ += statement.size() + 2;
+          batch_.push_back({std::move(statement), 0, {}, {splitter_.statementLine()}});
+          statement.clear();
+        }
       } else {
         flushBatch();
         if (!script_.stopped_) runSingle(statement, splitter_.statementLine());
@@ -87,6 +90,57 @@ class TMyScript::Runner {
  private:
   void progress() {
     if (script_.OnProgress) script_.OnProgress(splitter_.position(), total_);
+  }
+
+  // A statement of the batch, or one-row INSERTs of the same head folded into one multi-row
+  // INSERT: the head, then the tuples joined by ",".
+  struct Entry {
+    std::string text;
+    size_t head = 0;
+    std::vector<size_t> tupleStarts;
+    std::vector<uint64_t> lines;
+
+    size_t rows() const { return tupleStarts.size(); }
+    bool folded() const { return rows() > 1; }
+    std::string row(size_t i) const {
+      const size_t end = i + 1 < rows() ? tupleStarts[i + 1] - 1 : text.size();
+      return text.substr(0, head) + text.substr(tupleStarts[i], end - tupleStarts[i]);
+    }
+  };
+
+  // Adds a one-row INSERT to the batch's last entry when they share the head and the target
+  // allows it; false leaves the statement to go as it is.
+  bool fold(const std::string& statement) {
+    if (!script_.FoldInserts) return false;
+    const size_t head = OneRowInsertHead(statement);
+    if (head == 0) return false;
+    const std::string_view tuple = std::string_view(statement).substr(head);
+    const uint64_t line = splitter_.statementLine();
+    if (!batch_.empty() && batch_.back().head == head && batchBytes_ + tuple.size() < kBatchBytes &&
+        batch_.back().text.compare(0, head, statement, 0, head) == 0) {
+      Entry& last = batch_.back();
+      last.text += ',';
+      last.tupleStarts.push_back(last.text.size());
+      last.text += tuple;
+      last.lines.push_back(line);
+      batchBytes_ += tuple.size() + 1;
+      return true;
+    }
+    if (!foldAllowed(statement.substr(0, head))) return false;
+    if (batchBytes_ + statement.size() > kBatchBytes) flushBatch();
+    batchBytes_ += statement.size() + 2;
+    batch_.push_back({statement, head, {head}, {line}});
+    return true;
+  }
+
+  // Asked once per head, after what came before it (its CREATE TABLE) has reached the server.
+  bool foldAllowed(const std::string& head) {
+    const auto known = foldable_.find(head);
+    if (known != foldable_.end()) return known->second;
+    flushBatch();
+    const bool allowed = !script_.stopped_ && script_.FoldInserts(head);
+    foldable_.emplace(head, allowed);
+    return allowed;
   }
 
   void runSingle(const std::string& statement, uint64_t line) {
@@ -103,13 +157,34 @@ class TMyScript::Runner {
     script_.endStatement();
   }
 
+  // A folded INSERT that failed left nothing behind: its rows go again as their own statements,
+  // so each refused one is reported alone and the others arrive.
+  void runRows(const Entry& entry) {
+    for (size_t i = 0; i < entry.rows() && !script_.stopped_; ++i) runSingle(entry.row(i), entry.lines[i]);
+  }
+
+  void runEntry(const Entry& entry) {
+    if (!entry.folded()) return runSingle(entry.text, entry.lines[0]);
+    if (!script_.beginStatement()) return;
+    try {
+      TMyQuery query(script_.session_);
+      query.SQL = entry.text;
+      query.Execute();
+    } catch (const ServerError&) {
+      script_.endStatement();
+      runRows(entry);
+      return;
+    }
+    script_.endStatement();
+  }
+
   // Sends the batch; when statement k fails the server stops there, so k is reported and the
   // statements after it are sent again.
   void flushBatch() {
     size_t first = 0;
     while (first < batch_.size() && !script_.stopped_) {
       if (batch_.size() - first == 1) {
-        runSingle(batch_[first], batchLines_[first]);
+        runEntry(batch_[first]);
         break;
       }
       if (!script_.beginStatement()) break;
@@ -127,19 +202,19 @@ class TMyScript::Runner {
       } catch (const ServerError& error) {
         script_.endStatement();
         if (first + done >= batch_.size()) done = batch_.size() - first - 1;
-        const std::string& failed = batch_[first + done];
-        const uint64_t line = batchLines_[first + done];
+        const Entry& failed = batch_[first + done];
         // A syntax error quotes the text after the error point, which in a batch runs into the
         // next statements; the statement alone has no effect and gives its own message.
-        if (isSyntaxError(error) && !script_.stopped_)
-          runSingle(failed, line);
+        if (failed.folded())
+          runRows(failed);
+        else if (isSyntaxError(error) && !script_.stopped_)
+          runSingle(failed.text, failed.lines[0]);
         else
-          report(failed, line, error);
+          report(failed.text, failed.lines[0], error);
         first += done + 1;
       }
     }
     batch_.clear();
-    batchLines_.clear();
     batchBytes_ = 0;
   }
 
@@ -148,7 +223,7 @@ class TMyScript::Runner {
     request.reserve(batchBytes_);
     for (size_t i = first; i < batch_.size(); ++i) {
       if (i > first) request += ";\n";
-      request += batch_[i];
+      request += batch_[i].text;
     }
     return request;
   }
@@ -167,9 +242,9 @@ class TMyScript::Runner {
   TMyScript& script_;
   TStatementSplitter splitter_;
   uint64_t total_;
-  std::vector<std::string> batch_;
-  std::vector<uint64_t> batchLines_;
+  std::vector<Entry> batch_;
   size_t batchBytes_ = 0;
+  std::map<std::string, bool, std::less<>> foldable_;
 };
 
 TMyScript::TMyScript(TMyConnection& session) : session_(session) {}

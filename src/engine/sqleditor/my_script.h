@@ -33,6 +33,10 @@ class TMyScript {
   // Consecutive statements travel in multi-statement requests: fewer round trips, and each
   // statement still runs (and commits) on its own.
   bool UseOptimization = false;
+  // With UseOptimization: asked once for each head ("INSERT INTO `t` VALUES ") met, whether
+  // consecutive one-row INSERTs of that head may go as one multi-row INSERT. Only where a failed
+  // statement leaves nothing behind: the rows of a folded INSERT that fails go again one by one.
+  std::function<bool(const std::string& head)> FoldInserts;
   ErrorHandler OnError;
   ProgressHandler OnProgress;
   // Values for the "&name" macros of each statement.

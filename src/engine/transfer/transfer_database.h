@@ -61,6 +61,8 @@ class TTransferDatabase {
   bool connectTarget(const TTransferPlan& plan);
   // Streams the dump's script of the object into the target; logs its lines.
   void transferObject(const std::string& name, const char* exportLine);
+  // The target's table keeps nothing of a statement that fails (a transactional engine).
+  bool statementRollback(const std::string& table);
   void log(const std::string& line);
   static std::string errorLine(const ServerError& error);
 

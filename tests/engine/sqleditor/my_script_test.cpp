@@ -144,6 +144,60 @@ TEST(MyScript, BatchesLeaveOutWhatTheServerWouldReadDifferently) {
   EXPECT_EQ(errors, "CALL no_such_proc()\rPROCEDURE lomarin_test.no_such_proc does not exist\n");
 }
 
+// One-row INSERTs of one head travel as one multi-row INSERT; a statement that cannot be cut apart
+// safely goes as it is, and a folded INSERT that fails goes again row by row.
+TEST(MyScript, FoldsOneRowInsertsOfOneHead) {
+  test::sideExec("DROP DATABASE IF EXISTS script_fold");
+  test::sideExec("CREATE DATABASE script_fold");
+  auto session = test::connect("script_fold");
+  ASSERT_TRUE(ExecScriptText(*session, "create table t (a int primary key, b varchar(20)); create table `u v` (a int)"));
+  test::SentStatements log(*session);
+  std::vector<std::string> asked;
+  std::string errors;
+  TMyScript script(*session);
+  script.UseOptimization = true;
+  script.FoldInserts = [&](const std::string& head) {
+    asked.push_back(head);
+    return head.find('`') == std::string::npos;
+  };
+  script.OnError = [&](const ServerError& error, const std::string& statement, TErrorAction& action) {
+    EXPECT_EQ(script.StatementLine(), 12u);
+    ScriptError(errors, error, statement, action);
+  };
+  script.SQL =
+      "INSERT INTO t VALUES (1, 'a,(b)');\n"
+      "INSERT INTO t VALUES (2, 'it''s \\');');\n"
+      "INSERT INTO t(a, b) VALUES (3, NULL);\n"
+      "INSERT INTO t(a, b) VALUES (4, 'x\"y');\n"
+      "INSERT INTO `u v` VALUES (5);\n"
+      "INSERT INTO `u v` VALUES (6);\n"
+      "INSERT INTO t VALUES (7, 'x') ON DUPLICATE KEY UPDATE b = 'y';\n"
+      "INSERT INTO t VALUES (8, 'x'),(9, 'y');\n"
+      "INSERT INTO t VALUES (10, 'x') /* c */;\n"
+      "INSERT INTO t VALUES (11, CONCAT('a', 'b'));\n"
+      "INSERT INTO t VALUES (12, 'z');\n"
+      "INSERT INTO t VALUES (1, 'dup');\n"
+      "INSERT INTO t VALUES (13, 'w');\n";
+  script.Execute();
+  EXPECT_EQ(asked, (std::vector<std::string>{"INSERT INTO t VALUES ", "INSERT INTO t(a, b) VALUES ",
+                                             "INSERT INTO `u v` VALUES "}));
+  EXPECT_EQ(log.sent, (std::vector<std::string>{
+                          "INSERT INTO t VALUES (1, 'a,(b)'),(2, 'it''s \\');')",
+                          "INSERT INTO t(a, b) VALUES (3, NULL),(4, 'x\"y')",
+                          "INSERT INTO `u v` VALUES (5);\nINSERT INTO `u v` VALUES (6);\n"
+                          "INSERT INTO t VALUES (7, 'x') ON DUPLICATE KEY UPDATE b = 'y';\n"
+                          "INSERT INTO t VALUES (8, 'x'),(9, 'y');\nINSERT INTO t VALUES (10, 'x') /* c */;\n"
+                          "INSERT INTO t VALUES (11, CONCAT('a', 'b'));\n"
+                          "INSERT INTO t VALUES (12, 'z'),(1, 'dup'),(13, 'w')",
+                          "INSERT INTO t VALUES (12, 'z')",
+                          "INSERT INTO t VALUES (1, 'dup')",
+                          "INSERT INTO t VALUES (13, 'w')",
+                      }));
+  EXPECT_EQ(errors, "INSERT INTO t VALUES (1, 'dup')\rDuplicate entry '1' for key 'PRIMARY'\n");
+  EXPECT_EQ(test::scalar(*session, "select group_concat(a, ifnull(b, '-') order by a) from t"),
+            "1a,(b),2it's ');,3-,4x\"y,7x,8x,9y,10x,11ab,12z,13w");
+}
+
 TEST(MyScript, ProgressReachesTheTotal) {
   auto session = test::connect();
   TMyScript script(*session);
