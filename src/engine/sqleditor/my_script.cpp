@@ -143,18 +143,23 @@ class TMyScript::Runner {
     return allowed;
   }
 
-  void runSingle(const std::string& statement, uint64_t line) {
+  template <typename OnFailure>
+  void send(const std::string& sql, OnFailure failed) {
     if (!script_.beginStatement()) return;
     try {
       TMyQuery query(script_.session_);
-      query.SQL = statement;
+      query.SQL = sql;
       query.Execute();
     } catch (const ServerError& error) {
       script_.endStatement();
-      report(statement, line, error);
+      failed(error);
       return;
     }
     script_.endStatement();
+  }
+
+  void runSingle(const std::string& statement, uint64_t line) {
+    send(statement, [&](const ServerError& error) { report(statement, line, error); });
   }
 
   // A folded INSERT that failed left nothing behind: its rows go again as their own statements,
@@ -164,18 +169,10 @@ class TMyScript::Runner {
   }
 
   void runEntry(const Entry& entry) {
-    if (!entry.folded()) return runSingle(entry.text, entry.lines[0]);
-    if (!script_.beginStatement()) return;
-    try {
-      TMyQuery query(script_.session_);
-      query.SQL = entry.text;
-      query.Execute();
-    } catch (const ServerError&) {
-      script_.endStatement();
-      runRows(entry);
-      return;
-    }
-    script_.endStatement();
+    if (entry.folded())
+      send(entry.text, [&](const ServerError&) { runRows(entry); });
+    else
+      runSingle(entry.text, entry.lines[0]);
   }
 
   // Sends the batch; when statement k fails the server stops there, so k is reported and the
