@@ -5,7 +5,10 @@
 SET NAMES utf8mb4;
 SET SESSION sql_mode = 'STRICT_TRANS_TABLES,ERROR_FOR_DIVISION_BY_ZERO,NO_ENGINE_SUBSTITUTION';
 
+-- A table elsewhere may still reference the demo tables: it must not keep them from being dropped.
+SET foreign_key_checks = 0;
 DROP DATABASE IF EXISTS lomarin_demo;
+SET foreign_key_checks = 1;
 CREATE DATABASE lomarin_demo DEFAULT CHARACTER SET utf8mb4 COLLATE utf8mb4_unicode_ci;
 USE lomarin_demo;
 

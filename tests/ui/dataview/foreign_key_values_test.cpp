@@ -31,6 +31,9 @@ void scrollToEnd(TForeignKeyBox* box) {
 class ForeignKeyValuesTest : public QObject {
   Q_OBJECT
  private slots:
+  // The copy references the demo database, whose reload could not drop it while the copy stays.
+  void cleanup() { test::sideExec("DROP TABLE IF EXISTS lomarin_test.orders_fk"); }
+
   // A copy of the demo orders whose customer_id references the demo customers, as the original does.
   void referencedValuesAreReadByPageAndTheChosenOneIsWritten() {
     test::sideExec("DROP TABLE IF EXISTS lomarin_test.orders_fk");
