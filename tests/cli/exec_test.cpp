@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -88,47 +87,6 @@ TEST(ExecCommand, LineBreaksOfTheFileAreKept) {
   ASSERT_TRUE(original.Next());
   EXPECT_TRUE(std::string(original.Value(2)).ends_with("for each row\nbegin\n  set new.b = 'x\ny';\nend"))
       << original.Value(2);
-}
-
-std::string checksums(TMyConnection& session, const std::string& database) {
-  TMyQuery tables(session);
-  tables.SQL = "select table_name from information_schema.tables where table_schema = '" + database +
-               "' and table_type = 'BASE TABLE' order by table_name";
-  tables.Open();
-  std::string all;
-  while (tables.Next()) {
-    const std::string name(tables.Value(0));
-    TMyQuery checksum(session);
-    checksum.SQL = "CHECKSUM TABLE `" + database + "`.`" + name + "`";
-    checksum.Open();
-    EXPECT_TRUE(checksum.Next());
-    all += name + "=" + std::string(checksum.Value(1)) + "\n";
-  }
-  return all;
-}
-
-TEST(ExecCommand, DumpOfTheDemoDatabaseRoundTrips) {
-  const auto s = test::serverSettings();
-  const auto dump = std::filesystem::temp_directory_path() / "lomarin_demo_dump.sql";
-  const std::string command = "mariadb-dump --host=" + s.Server + " --port=" + std::to_string(s.Port) +
-                              " --user=" + s.Username + " --password=" + s.Password +
-                              " --routines --events --triggers lomarin_demo > " + dump.string();
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  auto session = test::connect();
-  const std::string original = checksums(*session, "lomarin_demo");
-  EXPECT_NE(original.find("order_items="), std::string::npos);
-  const std::string routines = "select count(*) from information_schema.routines where routine_schema = ";
-  for (bool optimize : {false, true}) {
-    test::sideExec("DROP DATABASE IF EXISTS lomarin_exec_copy");
-    test::sideExec("CREATE DATABASE lomarin_exec_copy");
-    std::string err;
-    EXPECT_EQ(exec("lomarin_exec_copy", dump.string(), optimize, &err), 0);
-    EXPECT_EQ(err, "");
-    EXPECT_EQ(checksums(*session, "lomarin_exec_copy"), original) << optimize;
-    EXPECT_EQ(test::scalar(*session, routines + "'lomarin_exec_copy'"), test::scalar(*session, routines + "'lomarin_demo'"));
-  }
-  test::sideExec("DROP DATABASE lomarin_exec_copy");
-  std::filesystem::remove(dump);
 }
 
 }  // namespace

@@ -333,6 +333,9 @@ std::string TMyConnection::SslCipher() const {
 
 bool TMyConnection::InTransaction() const { return (d->serverStatus() & SERVER_STATUS_IN_TRANS) != 0; }
 bool TMyConnection::AutoCommit() const { return (d->serverStatus() & SERVER_STATUS_AUTOCOMMIT) != 0; }
+bool TMyConnection::NoBackslashEscapes() const {
+  return (d->serverStatus() & SERVER_STATUS_NO_BACKSLASH_ESCAPES) != 0;
+}
 
 std::string TMyConnection::GetMySQLinfo() const {
   return "MySQL Server   " + ServerVersion() + "\n" + "MySQL Client   " + ClientVersion() + "\n" +

@@ -79,6 +79,8 @@ class TMyConnection {
   bool InTransaction() const;
   // As the server last reported it.
   bool AutoCommit() const;
+  // The session's sql_mode holds NO_BACKSLASH_ESCAPES, as the server last reported it.
+  bool NoBackslashEscapes() const;
 
   std::string GetMySQLinfo() const;
   const std::optional<ServerError>& LastError() const;

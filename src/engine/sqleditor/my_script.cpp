@@ -45,11 +45,27 @@ bool startsWithWord(std::string_view s, std::string_view word) {
          (s.size() == word.size() || !std::isalnum(static_cast<unsigned char>(s[word.size()])));
 }
 
+// A SET statement, in a version comment or not, naming sql_mode.
+bool setsSqlMode(std::string_view statement) {
+  std::string_view code = leadingCode(statement);
+  if (code.starts_with("/*!") || code.starts_with("/*M!")) {
+    code.remove_prefix(code.find('!') + 1);
+    while (!code.empty() && (std::isdigit(static_cast<unsigned char>(code.front())) ||
+                             static_cast<unsigned char>(code.front()) <= ' '))
+      code.remove_prefix(1);
+  }
+  if (!startsWithWord(code, "SET")) return false;
+  for (size_t at = 0; at + 8 <= statement.size(); ++at)
+    if (strncasecmp(statement.data() + at, "sql_mode", 8) == 0) return true;
+  return false;
+}
+
 // A statement may share a multi-statement request when the server cannot read past its end
 // differently from the splitter: a line comment on its last line would swallow the separator,
-// and a CALL answers with a number of results that cannot be told in advance.
+// and a CALL answers with a number of results that cannot be told in advance. A change of
+// sql_mode runs alone, so that the statements after it are split under the mode it sets.
 bool batchable(std::string_view statement, std::string_view delimiter) {
-  if (delimiter != ";") return false;
+  if (delimiter != ";" || setsSqlMode(statement)) return false;
   const size_t lastLine = statement.rfind('\n');
   const std::string_view tail = lastLine == std::string_view::npos ? statement : statement.substr(lastLine + 1);
   if (std::memchr(tail.data(), '#', tail.size()) || tail.find("--") != std::string_view::npos) return false;
@@ -68,7 +84,10 @@ class TMyScript::Runner {
 
   void run() {
     std::string statement;
-    while (!script_.stopped_ && splitter_.next(statement)) {
+    for (;;) {
+      // Whether a backslash escapes in quoted text depends on the sql_mode the script set last.
+      splitter_.setBackslashEscapes(!script_.session_.NoBackslashEscapes());
+      if (script_.stopped_ || !splitter_.next(statement)) break;
       if (!script_.Macros.empty()) statement = ExpandMacros(statement, script_.Macros);
       if (script_.UseOptimization && batchable(statement, splitter_.delimiter())) {
         if (!fold(statement)) {

@@ -194,6 +194,8 @@ void TStatementSplitter::scanCodeRun() {
     if (*p == quote) {
       state_ = State::Normal;
       ++p;
+    } else if (*p == '\\' && !backslashEscapes_) {
+      ++p;
     } else if (*p == '\\' && e - p >= 2 && p[1] != '\n') {
       p += 2;
     } else {
@@ -264,7 +266,7 @@ void TStatementSplitter::scanQuoted(char quote, const detail::ByteSet<N>& stops)
     ++pos_;
   } else {
     // An escaped line break stays a line break.
-    pos_ += ensure(2) && buf_[pos_ + 1] != '\n' ? 2 : 1;
+    pos_ += backslashEscapes_ && ensure(2) && buf_[pos_ + 1] != '\n' ? 2 : 1;
   }
 }
 

@@ -26,6 +26,9 @@ class TStatementSplitter {
   bool next(std::string& statement);
 
   const std::string& delimiter() const { return delimiter_; }
+  // Off while the session's sql_mode holds NO_BACKSLASH_ESCAPES: a backslash in quoted text is
+  // then an ordinary character. Takes effect from the next statement.
+  void setBackslashEscapes(bool on) { backslashEscapes_ = on; }
   // Bytes of the input consumed up to the end of the last statement returned.
   uint64_t position() const { return consumedBefore_ + pos_; }
   // Line (from 1) where the code of the last statement returned begins.
@@ -67,6 +70,7 @@ class TStatementSplitter {
   const detail::ByteSet<2> backQuoteStops_{{'`', '\n'}};
   const detail::ByteSet<2> blockCommentStops_{{'*', '\n'}};
   State state_ = State::Normal;
+  bool backslashEscapes_ = true;
   bool hasCode_ = false;
   bool statementDone_ = false;
   std::string stmt_;

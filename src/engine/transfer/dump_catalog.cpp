@@ -37,8 +37,7 @@ std::string TDumpCatalog::qualified(const std::string& object) const {
 }
 
 std::vector<std::vector<std::string>> TDumpCatalog::rows(const std::string& sql,
-                                                         const std::vector<std::string>& columns,
-                                                         const std::vector<std::string>& optional) {
+                                                         const std::vector<std::string>& columns) {
   TMyQuery query(connection_);
   query.SQL = sql;
   query.Open();
@@ -48,11 +47,10 @@ std::vector<std::vector<std::string>> TDumpCatalog::rows(const std::string& sql,
     if (index.back() < 0) throw DumpError("Column " + column + " missing from the result of " + sql);
   }
   if (columns.empty()) index.push_back(0);
-  for (const auto& column : optional) index.push_back(query.FieldIndex(column));
   std::vector<std::vector<std::string>> result;
   while (query.Next()) {
     auto& row = result.emplace_back();
-    for (int i : index) row.emplace_back(i < 0 ? std::string_view() : query.Value(static_cast<size_t>(i)));
+    for (int i : index) row.emplace_back(query.Value(static_cast<size_t>(i)));
   }
   return result;
 }
@@ -100,6 +98,12 @@ std::string TDumpCatalog::createTable(const std::string& table) {
   return cell("SHOW CREATE TABLE " + qualified(table), 1);
 }
 
+std::string TDumpCatalog::databaseOptions() {
+  const std::string create = cell("SHOW CREATE DATABASE " + ScriptName(database_, true), 1);
+  const size_t options = create.find("/*!");
+  return options == std::string::npos ? std::string() : create.substr(options);
+}
+
 std::vector<TDumpCatalog::Column> TDumpCatalog::columns(const std::string& table) {
   std::vector<Column> result;
   for (auto& row : rows("SHOW COLUMNS FROM " + qualified(table), {"Field", "Extra", "Type"})) {
@@ -107,7 +111,7 @@ std::vector<TDumpCatalog::Column> TDumpCatalog::columns(const std::string& table
     // MariaDB says "VIRTUAL GENERATED" / "STORED GENERATED" (older: "PERSISTENT"), MySQL adds GENERATED too.
     const bool generated = contains(extra, "generated") || contains(extra, "persistent") ||
                            extra == "virtual" || contains(extra, "virtual ");
-    result.push_back({std::move(row[0]), generated, lower(row[2]).starts_with("float")});
+    result.push_back({std::move(row[0]), generated, contains(extra, "invisible"), lower(row[2]).starts_with("float")});
   }
   return result;
 }
@@ -150,24 +154,16 @@ TDumpCatalog::Code TDumpCatalog::createRoutine(const std::string& kind, const st
 
 std::vector<std::string> TDumpCatalog::triggerNames() {
   std::vector<std::string> names;
-  for (auto& row : rows("SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_), {}))
+  for (auto& row : rows("SELECT TRIGGER_NAME FROM information_schema.TRIGGERS WHERE TRIGGER_SCHEMA = " +
+                            QuotedString(connection_, database_) +
+                            " ORDER BY EVENT_OBJECT_TABLE, ACTION_TIMING, EVENT_MANIPULATION, ACTION_ORDER",
+                        {}))
     names.push_back(std::move(row[0]));
   return names;
 }
 
-std::vector<TDumpCatalog::Trigger> TDumpCatalog::trigger(const std::string& trigger) {
-  std::vector<Trigger> result;
-  const std::string sql = "SHOW TRIGGERS FROM " + ScriptName(database_, quoteNames_) +
-                          " WHERE `trigger` = " + QuotedString(connection_, trigger);
-  for (auto& row : rows(sql, {"Trigger", "Timing", "Event", "Table", "Statement"},
-                        {"sql_mode", "character_set_client", "collation_connection"}))
-    result.push_back({std::move(row[0]),
-                      std::move(row[1]),
-                      std::move(row[2]),
-                      std::move(row[3]),
-                      std::move(row[4]),
-                      {std::move(row[5]), std::move(row[6]), std::move(row[7]), {}}});
-  return result;
+TDumpCatalog::Code TDumpCatalog::createTrigger(const std::string& trigger) {
+  return code("SHOW CREATE TRIGGER " + qualified(trigger), "SQL Original Statement", false);
 }
 
 std::vector<std::string> TDumpCatalog::eventNames() {
@@ -181,18 +177,37 @@ TDumpCatalog::Code TDumpCatalog::createEvent(const std::string& event) {
   return code("SHOW CREATE EVENT " + qualified(event), "Create Event", true);
 }
 
+std::string ListedName(const std::string& name) {
+  const bool plain = name.find_first_of(",`") == std::string::npos && !name.starts_with(' ');
+  return plain ? name : ScriptName(name, true);
+}
+
 std::vector<std::string> SplitNames(const std::string& list, const std::string& database) {
-  std::vector<std::string> names;
+  std::vector<std::string> items(1);
+  bool quoted = false;
+  for (char c : list) {
+    // A doubled back-quote inside a quoted name toggles twice.
+    if (c == '`') quoted = !quoted;
+    if (c == ',' && !quoted)
+      items.emplace_back();
+    else
+      items.back() += c;
+  }
   const std::string suffix = "." + database;
-  size_t start = 0;
-  while (start <= list.size()) {
-    size_t end = list.find(',', start);
-    if (end == std::string::npos) end = list.size();
-    std::string name = trimmed(std::string_view(list).substr(start, end - start));
+  std::vector<std::string> names;
+  for (const auto& item : items) {
+    std::string name = trimmed(item);
     if (!database.empty() && name.size() > suffix.size() && name.ends_with(suffix))
       name.resize(name.size() - suffix.size());
+    if (name.size() >= 2 && name.front() == '`' && name.back() == '`') {
+      std::string inner;
+      for (size_t i = 1; i + 1 < name.size(); ++i) {
+        inner += name[i];
+        if (name[i] == '`') ++i;
+      }
+      name = std::move(inner);
+    }
     if (!name.empty()) names.push_back(std::move(name));
-    start = end + 1;
   }
   return names;
 }

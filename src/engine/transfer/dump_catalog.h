@@ -24,9 +24,14 @@ class TDumpCatalog {
   };
   std::vector<Table> tables();
   std::string createTable(const std::string& table);
+  // The character set and collation clause of CREATE DATABASE; empty when the server gives none.
+  std::string databaseOptions();
+
   struct Column {
     std::string name;
     bool generated = false;
+    // Left out of SELECT * and of an INSERT without a column list.
+    bool invisible = false;
     // FLOAT: the server's text keeps only 6 digits of it.
     bool isFloat = false;
   };
@@ -47,20 +52,17 @@ class TDumpCatalog {
   std::vector<std::string> routineKinds(const std::string& routine);
   Code createRoutine(const std::string& kind, const std::string& routine);
 
-  struct Trigger {
-    std::string name, timing, event, table, statement;
-    CodeModes modes;
-  };
+  // In the order the server fires them, so that a trigger's FOLLOWS finds the one it names.
   std::vector<std::string> triggerNames();
-  std::vector<Trigger> trigger(const std::string& trigger);
+  // The statement as it was written, with its definer.
+  Code createTrigger(const std::string& trigger);
 
   std::vector<std::string> eventNames();
   Code createEvent(const std::string& event);
 
  private:
-  // The named columns of every row; an optional column the server lacks reads as empty.
-  std::vector<std::vector<std::string>> rows(const std::string& sql, const std::vector<std::string>& columns,
-                                             const std::vector<std::string>& optional = {});
+  // The named columns of every row (the first column when none is named).
+  std::vector<std::vector<std::string>> rows(const std::string& sql, const std::vector<std::string>& columns);
   Code code(const std::string& sql, const std::string& textColumn, bool timeZone);
   std::string cell(const std::string& sql, size_t column);
 
@@ -69,7 +71,10 @@ class TDumpCatalog {
   bool quoteNames_;
 };
 
-// Splits a name list ("a,b, c ") and drops a ".<database>" suffix from each name.
+// A name as a name list writes it: back-quoted when it holds a comma or back-quote or starts
+// with a blank.
+std::string ListedName(const std::string& name);
+// Splits a name list ("a,b, `c,d` ") and drops a ".<database>" suffix from each name.
 std::vector<std::string> SplitNames(const std::string& list, const std::string& database);
 
 // The views in an order in which each comes after the views its definition uses; the create

@@ -23,6 +23,13 @@ std::string scriptDate(std::chrono::system_clock::time_point when) {
   return text;
 }
 
+// "$$", lengthened until the code holds it nowhere: a name like v$$ would end the block early.
+std::string blockDelimiter(const std::string& code) {
+  std::string delimiter = "$$";
+  while (code.find(delimiter) != std::string::npos) delimiter += '$';
+  return delimiter;
+}
+
 std::string currentDatabase(const TMyDump& dump) {
   return dump.Database.empty() ? dump.Connection->CurrentDatabase() : dump.Database;
 }
@@ -120,13 +127,13 @@ void TMyDumpProcessor::backup() {
 
   // Code is written in the character set it was created with, which its own settings name.
   std::vector<Routine> routines;
-  std::vector<std::vector<TDumpCatalog::Trigger>> triggerDefinitions;
+  std::vector<TDumpCatalog::Code> triggerDefinitions;
   std::vector<Event> events;
   if (!routineNames.empty() || !triggers.empty() || !eventNames.empty()) {
     session.rawTexts(true);
     for (auto& [kind, name] : routineNames)
       routines.push_back({kind, name, catalog_.createRoutine(kind, name)});
-    for (const auto& trigger : triggers) triggerDefinitions.push_back(catalog_.trigger(trigger));
+    for (const auto& trigger : triggers) triggerDefinitions.push_back(catalog_.createTrigger(trigger));
     for (auto& name : eventNames) events.push_back({name, catalog_.createEvent(name)});
     session.rawTexts(false);
   }
@@ -237,7 +244,8 @@ void TMyDumpProcessor::writeDatabase() {
     line("USE mysql;");
     line("DROP DATABASE IF EXISTS " + db + ";");
   }
-  line("CREATE DATABASE " + db + ";");
+  const std::string options = catalog_.databaseOptions();
+  line("CREATE DATABASE " + db + (options.empty() ? "" : " " + options) + ";");
   line("USE " + db + ";");
   line("");
 }
@@ -294,13 +302,19 @@ void TMyDumpProcessor::writeRoutine(const Routine& routine) {
   const std::string name = catalog_.name(routine.name);
   codeModes(routine.create.modes);
   comment("StoredProc  " + name);
-  line("DELIMITER $$");
-  if (options_.AddDrop) line("DROP " + routine.kind + " IF EXISTS " + name + " $$");
-  line(routine.create.text + " $$");
-  line("DELIMITER ;");
+  writeCode("", options_.AddDrop ? "DROP " + routine.kind + " IF EXISTS " + name : "", routine.create.text);
   scriptModes(routine.create.modes);
   line("");
   progress(routine.name, 100);
+}
+
+void TMyDumpProcessor::writeCode(const std::string& title, const std::string& drop, const std::string& create) {
+  const std::string delimiter = blockDelimiter(drop + "\n" + create);
+  line("DELIMITER " + delimiter);
+  if (!title.empty()) comment(title);
+  if (!drop.empty()) line(drop + " " + delimiter);
+  line(create + " " + delimiter);
+  line("DELIMITER ;");
 }
 
 void TMyDumpProcessor::writeTable(const std::string& table, const std::string& createText, bool isView) {
@@ -325,9 +339,10 @@ void TMyDumpProcessor::writeTableData(const std::string& table) {
   const uint64_t count = catalog_.rowCount(table);
   if (count == 0) return;
   // Generated columns cannot be given values: they are left out of the SELECT and the INSERTs.
-  // FLOAT is read widened to DOUBLE, whose text holds every digit of it.
-  const bool generated =
-      std::any_of(columns.begin(), columns.end(), [](const auto& c) { return c.generated; });
+  // Invisible ones are missing from SELECT *, so they are named. FLOAT is read widened to DOUBLE,
+  // whose text holds every digit of it.
+  const bool listRequired = std::any_of(columns.begin(), columns.end(),
+                                        [](const auto& c) { return c.generated || c.invisible; });
   const bool floats = std::any_of(columns.begin(), columns.end(), [](const auto& c) { return c.isFloat; });
   std::vector<std::string> names;
   std::vector<bool> floatColumns;
@@ -340,12 +355,12 @@ void TMyDumpProcessor::writeTableData(const std::string& table) {
         (selectList.empty() ? "" : ", ") + ScriptName(column.name, true) + (column.isFloat ? " * 1e0" : "");
   }
   TMyQuery query(connection_);
-  query.SQL = "SELECT " + (generated || floats ? selectList : std::string("*")) + " FROM " +
+  query.SQL = "SELECT " + (listRequired || floats ? selectList : std::string("*")) + " FROM " +
               catalog_.qualified(table);
   query.UniDirectional = true;
   query.FetchAll = false;
   query.Open();
-  writeRows(catalog_.name(table), query, names, generated, floatColumns, count);
+  writeRows(catalog_.name(table), query, names, listRequired, floatColumns, count);
 }
 
 void TMyDumpProcessor::writeRows(const std::string& table, TMyQuery& query,
@@ -369,22 +384,13 @@ void TMyDumpProcessor::writeRows(const std::string& table, TMyQuery& query,
   line("");
 }
 
-void TMyDumpProcessor::writeTrigger(const std::string& trigger,
-                                    const std::vector<TDumpCatalog::Trigger>& definitions) {
+void TMyDumpProcessor::writeTrigger(const std::string& trigger, const TDumpCatalog::Code& create) {
   nextObject(trigger);
-  for (const auto& t : definitions) {
-    const std::string name = catalog_.name(t.name);
-    codeModes(t.modes);
-    line("DELIMITER $$");
-    comment("Trigger  " + name);
-    if (options_.AddDrop) line("DROP TRIGGER IF EXISTS " + name + " $$");
-    line("CREATE TRIGGER " + name + " " + t.timing + " " + t.event + " ON " + catalog_.name(t.table) +
-         " FOR EACH ROW");
-    line(t.statement + " $$");
-    line("DELIMITER ;");
-    scriptModes(t.modes);
-    line("");
-  }
+  const std::string name = catalog_.name(trigger);
+  codeModes(create.modes);
+  writeCode("Trigger  " + name, options_.AddDrop ? "DROP TRIGGER IF EXISTS " + name : "", create.text);
+  scriptModes(create.modes);
+  line("");
   progress(trigger, 100);
 }
 
@@ -393,10 +399,7 @@ void TMyDumpProcessor::writeEvent(const Event& event) {
   const std::string name = catalog_.name(event.name);
   codeModes(event.create.modes);
   comment("Event  " + name);
-  line("DELIMITER $$");
-  if (options_.AddDrop) line("DROP EVENT IF EXISTS " + name + " $$");
-  line(event.create.text + " $$");
-  line("DELIMITER ;");
+  writeCode("", options_.AddDrop ? "DROP EVENT IF EXISTS " + name : "", event.create.text);
   scriptModes(event.create.modes);
   line("");
   progress(event.name, 100);

@@ -44,13 +44,16 @@ class TMyDumpProcessor {
   void codeModes(const TDumpCatalog::CodeModes& modes);
   void scriptModes(const TDumpCatalog::CodeModes& modes);
   void writeRoutine(const Routine& routine);
+  // The comment block (when titled), DROP (when given) and CREATE of a routine, trigger or event
+  // between DELIMITER lines.
+  void writeCode(const std::string& title, const std::string& drop, const std::string& create);
   void writeTable(const std::string& table, const std::string& createText, bool isView);
   void writeTableData(const std::string& table);
   // Writes the data block for the rows the open query still has; nothing when it has none.
   // floatColumns marks the FLOAT columns read as DOUBLE.
   void writeRows(const std::string& table, TMyQuery& query, const std::vector<std::string>& columns,
                  bool listRequired, const std::vector<bool>& floatColumns, uint64_t expectedRows);
-  void writeTrigger(const std::string& trigger, const std::vector<TDumpCatalog::Trigger>& definitions);
+  void writeTrigger(const std::string& trigger, const TDumpCatalog::Code& create);
   void writeEvent(const Event& event);
 
   std::vector<std::string> wanted(const std::string& list, std::vector<std::string> all,

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <stdexcept>
 
+#include "engine/transfer/dump_catalog.h"
 #include "engine/transfer/sql_text.h"
 
 namespace lomarin {
@@ -19,10 +20,10 @@ std::string statusWhere(const std::string& database,
   return " where lower(db) = lower(" + quote(database) + ")";
 }
 
-// "a,b,c " as the engine's name lists take it.
-std::string nameList(const std::vector<std::string>& names) {
+// "a,b,c " as the engine's name lists take it, each name followed by suffix.
+std::string nameList(const std::vector<std::string>& names, const std::string& suffix = {}) {
   std::string list;
-  for (const auto& name : names) list += (list.empty() ? "" : ",") + name;
+  for (const auto& name : names) list += (list.empty() ? "" : ",") + ListedName(name) + suffix;
   return list.empty() ? list : list + " ";
 }
 
@@ -120,11 +121,11 @@ std::vector<TExportRun> PlanExport(const TExportDbState& s,
     run.objects = FullExportObjects(s.serverMajorVersion);
     if (s.database != s.currentDatabase) {
       std::vector<std::string> tables, routines;
-      for (const auto& t : s.tables) tables.push_back(t.name + suffix);
+      for (const auto& t : s.tables) tables.push_back(t.name);
       for (const auto& r : s.routines)
-        if (isRoutine(r)) routines.push_back(r.name + suffix);
-      run.tableNames = nameList(tables);
-      if (routinesKnown) run.storedProcNames = nameList(routines);
+        if (isRoutine(r)) routines.push_back(r.name);
+      run.tableNames = nameList(tables, suffix);
+      if (routinesKnown) run.storedProcNames = nameList(routines, suffix);
     }
     run.file = outputFile;
     return {run};
@@ -146,7 +147,7 @@ std::vector<TExportRun> PlanExport(const TExportDbState& s,
       if (!t.checked) continue;
       TExportRun& run = runs.emplace_back();
       run.objects = objects;
-      run.tableNames = t.name + suffix;
+      run.tableNames = ListedName(t.name) + suffix;
       run.file = s.directory / fileNameFor(t.name);
       run.objectName = t.name;
       run.isTableItem = true;
@@ -156,10 +157,10 @@ std::vector<TExportRun> PlanExport(const TExportDbState& s,
       TExportRun& run = runs.emplace_back();
       if (r.kind == TExportItemKind::Trigger) {
         run.objects = doTriggers;
-        run.triggerNames = r.name;
+        run.triggerNames = ListedName(r.name);
       } else {
         run.objects = doStoredProcs;
-        run.storedProcNames = r.name;
+        run.storedProcNames = ListedName(r.name);
       }
       run.file = s.directory / fileNameFor(r.name);
       run.objectName = r.name;

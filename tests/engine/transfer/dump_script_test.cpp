@@ -110,11 +110,15 @@ TEST(DumpScript, DatabaseSectionAndNoForeignKeyLineWithoutTables) {
   EXPECT_EQ(f.script(), f.header() + DumpFixture::opening(false) +
                             "-- \r\n-- Database dump_db structure\r\n-- \r\n\r\n"
                             "USE mysql;\r\nDROP DATABASE IF EXISTS dump_db;\r\n"
-                            "CREATE DATABASE dump_db;\r\nUSE dump_db;\r\n\r\n" +
+                            "CREATE DATABASE dump_db /*!40100 DEFAULT CHARACTER SET utf8mb4 COLLATE "
+                            "utf8mb4_general_ci */;\r\nUSE dump_db;\r\n\r\n" +
                             DumpFixture::closing(false));
   f.dump.Options.AddDrop = false;
   f.dump.Options.GenerateHeader = false;
-  EXPECT_EQ(f.script(), DumpFixture::opening(false) + "CREATE DATABASE dump_db;\r\nUSE dump_db;\r\n\r\n" +
+  test::sideExec("ALTER DATABASE dump_db CHARACTER SET latin1 COLLATE latin1_german1_ci");
+  EXPECT_EQ(f.script(), DumpFixture::opening(false) +
+                            "CREATE DATABASE dump_db /*!40100 DEFAULT CHARACTER SET latin1 COLLATE "
+                            "latin1_german1_ci */;\r\nUSE dump_db;\r\n\r\n" +
                             DumpFixture::closing(false));
 }
 
@@ -153,8 +157,8 @@ TEST(DumpScript, RoutinesTriggersAndEvents) {
                             "DELIMITER $$\r\n"
                             "-- \r\n-- Trigger  trg_t\r\n-- \r\n\r\n"
                             "DROP TRIGGER IF EXISTS trg_t $$\r\n"
-                            "CREATE TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW\r\n"
-                            "SET NEW.a = NEW.a + 1 $$\r\n"
+                            "CREATE DEFINER=" +
+                            by + " TRIGGER trg_t BEFORE INSERT ON t FOR EACH ROW SET NEW.a = NEW.a + 1 $$\r\n"
                             "DELIMITER ;\r\n" +
                             back + " */;\r\n\r\n" + save +
                             ", @OLD_CODE_TIME_ZONE=@@TIME_ZONE */;\r\n/*!50003 SET " + modes +

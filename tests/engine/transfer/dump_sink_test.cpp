@@ -82,6 +82,12 @@ TEST(DumpNames, ListsTrimBlanksAndDatabaseSuffix) {
   EXPECT_EQ(SplitNames("a,b.shop, c ", "shop"), (std::vector<std::string>{"a", "b", "c"}));
   EXPECT_EQ(SplitNames("a.other,,", "shop"), (std::vector<std::string>{"a.other"}));
   EXPECT_TRUE(SplitNames(" ", "shop").empty());
+  // Names holding a comma or back-quote travel back-quoted.
+  const std::vector<std::string> odd = {"a, b", "x`y", " lead"};
+  std::string list;
+  for (const auto& name : odd) list += ListedName(name) + ".shop,";
+  EXPECT_EQ(list, "`a, b`.shop,`x``y`.shop,` lead`.shop,");
+  EXPECT_EQ(SplitNames(list, "shop"), odd);
 }
 
 TEST(DumpNames, ViewOrderPutsUsedViewsFirstAndSurvivesFalseCycles) {
