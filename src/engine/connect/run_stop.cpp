@@ -55,6 +55,11 @@ void TRunStop::end() {
   if (killer.joinable()) killer.join();
 }
 
+TRunStop::Statement::Statement(TRunStop& stop, const TMySessionSettings& settings, unsigned long threadId)
+    : stop_(stop) {
+  if (!stop_.begin(settings, threadId)) throw ServerError(1317, "70100", "Query execution was interrupted");
+}
+
 void TRunStop::killUntilEnded() {
   std::unique_lock lock(mutex_);
   while (inFlight_) {

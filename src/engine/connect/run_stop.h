@@ -29,6 +29,19 @@ class TRunStop {
   bool begin(const TMySessionSettings& settings, unsigned long threadId);
   void end();
 
+  // One statement of a run, between begin and end; a stopped run sends none and ends as a killed
+  // statement does (server error 1317).
+  class Statement {
+   public:
+    Statement(TRunStop& stop, const TMySessionSettings& settings, unsigned long threadId);
+    ~Statement() { stop_.end(); }
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+   private:
+    TRunStop& stop_;
+  };
+
  private:
   void killUntilEnded();
 

@@ -20,21 +20,6 @@ std::string literal(const std::optional<std::string>& value, const explorer::Val
 
 std::string variable(std::string_view name) { return "@" + dataview::BackQuote(name); }
 
-// One statement of the call; a stopped run sends none and ends as a killed statement does.
-class TStoppable {
- public:
-  TStoppable(TRunStop& stop, TMyConnection& session) : stop_(stop) {
-    if (!stop_.begin(session.Settings, session.ThreadId()))
-      throw ServerError(1317, "70100", "Query execution was interrupted");
-  }
-  ~TStoppable() { stop_.end(); }
-  TStoppable(const TStoppable&) = delete;
-  TStoppable& operator=(const TStoppable&) = delete;
-
- private:
-  TRunStop& stop_;
-};
-
 }  // namespace
 
 std::string_view ParamKindName(TParamKind kind) {
@@ -130,14 +115,14 @@ void TMyStoredProc::PrepareSQL() {
 
 TQueryRun TMyStoredProc::ExecProc(size_t firstRows) {
   if (!statements_.Before.empty()) {
-    TStoppable statement(stop_, session_);
+    TRunStop::Statement statement(stop_, session_.Settings, session_.ThreadId());
     TMyQuery before(session_);
     before.SQL = statements_.Before;
     before.Execute();
   }
   TQueryRun run;
   {
-    TStoppable statement(stop_, session_);
+    TRunStop::Statement statement(stop_, session_.Settings, session_.ThreadId());
     run = OpenQueryRun(session_, statements_.Call, IsFunction, firstRows);
   }
   std::unique_ptr<TMyQuery> outValues;
@@ -145,7 +130,7 @@ TQueryRun TMyStoredProc::ExecProc(size_t firstRows) {
     outValues = std::move(run.First);
   } else if (!statements_.After.empty()) {
     // Reading the variables ends the call's open result; its rows are kept.
-    TStoppable statement(stop_, session_);
+    TRunStop::Statement statement(stop_, session_.Settings, session_.ThreadId());
     outValues = std::make_unique<TMyQuery>(session_);
     outValues->SQL = statements_.After;
     outValues->Open();

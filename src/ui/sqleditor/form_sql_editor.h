@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/connect/my_connection.h"
+#include "engine/connect/run_stop.h"
 #include "engine/sqleditor/editor_file_format.h"
 #include "ui/sqleditor/error_reporter.h"
 #include "ui/sqleditor/sql_completer.h"
@@ -136,10 +137,9 @@ class TformSQLEditor : public QWidget {
   std::string scriptErrors_;
   std::string formatterSource_;
   QString fileName_;
-  // A query or script is on its way; runningThread_ is the session a query runs on.
+  // A query or script is on its way; a script stops itself, a query through queryStop_.
   bool running_ = false;
-  unsigned long runningThread_ = 0;
-  bool stopRequested_ = false;
+  TRunStop queryStop_;
 
   QToolBar* tbSQL_;
   QSplitter* splSQL_;

@@ -10,7 +10,6 @@
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
 #include "engine/connect/escape.h"
-#include "engine/connect/kill_query.h"
 #include "engine/sqleditor/macros.h"
 #include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/query_params.h"
@@ -103,21 +102,23 @@ void TformSQLEditor::runQuery(const std::string& text, bool recordHistory) {
   const bool fetchAll = (ctx_.IsSSHTunnel && ctx_.IsSSHTunnel()) || ctx_.Settings.read(opt::FetchAllRecords);
   TQueryRun run;
   std::optional<ServerError> failure;
-  runningThread_ = ctx_.Session.ThreadId();
-  stopRequested_ = false;
+  queryStop_.reset();
   setRunning(true);
   try {
     ctx_.Activity->run(
         TSessionActivity::describe("Run SQL", QString::fromStdString(sql)),
-        [&] { run = OpenQueryRun(ctx_.Session, sql, fetchAll, TDataModel::FirstRows); }, [this] { Stop(); },
-        wait_);
+        [&] {
+          TRunStop::Statement statement(queryStop_, ctx_.Session.Settings, ctx_.Session.ThreadId());
+          run = OpenQueryRun(ctx_.Session, sql, fetchAll, TDataModel::FirstRows);
+        },
+        [this] { Stop(); }, wait_);
   } catch (const ServerError& error) {
     failure = error;
   }
   setRunning(false);
   if (failure) {
     // The user asked for the interruption; its error tells nothing new.
-    if (stopRequested_) return;
+    if (queryStop_.stopped()) return;
     // The worker's error skipped the session's handler: it is shown here, on this thread.
     if (ctx_.Session.Events.OnError)
       ctx_.Session.Events.OnError(*failure);
@@ -140,8 +141,6 @@ void TformSQLEditor::RunEditorScript() {
   frame_->setErrorLine(-1);
   addToHistory(script.SQL);
   const auto t0 = std::chrono::steady_clock::now();
-  // The runner interrupts its own statements; Stop has no query of its own to kill.
-  runningThread_ = 0;
   setRunning(true);
   try {
     RunScriptWithProgress(*ctx_.Activity, script, wait_,
@@ -155,15 +154,10 @@ void TformSQLEditor::RunEditorScript() {
   panels_[3]->setText(secondsText(elapsed));
 }
 
+// Either run may be on its way; each stop is cleared before its own run starts.
 void TformSQLEditor::Stop() {
   myScript_->BreakExec();
-  if (!running_ || runningThread_ == 0) return;
-  stopRequested_ = true;
-  try {
-    KillQuery(ctx_.Session.Settings, runningThread_);
-  } catch (const ServerError& error) {
-    showError(QString::fromStdString(error.message()));
-  }
+  queryStop_.stop();
 }
 
 void TformSQLEditor::setRunning(bool running) {

@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QTableView>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -166,6 +167,30 @@ class SessionBusyTest : public QObject {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_F9);
     QCOMPARE(runs, 2);
     QCOMPARE(w.sleepsOnServer(), 0);
+  }
+
+  // A Stop that comes before the server has the statement is not lost: the kill is sent again
+  // until the statement ends.
+  void aStopBeforeTheServerHasTheQueryEndsTheRun() {
+    BusyWindow w;
+    TformSQLEditor* editor = w.editor;
+    QElapsedTimer sinceStop;
+    // The monitor hears a statement on the sending thread just before it goes out.
+    w.window.MySqlMonitor.addListener([editor, &sinceStop](const std::string&) {
+      if (QThread::currentThread() == editor->thread() || sinceStop.isValid()) return;
+      QMetaObject::invokeMethod(
+          editor,
+          [editor, &sinceStop] {
+            sinceStop.start();
+            editor->Stop();
+          },
+          Qt::BlockingQueuedConnection);
+    });
+    editor->action("actRun")->trigger();
+    QVERIFY(sinceStop.isValid());
+    QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
+    QCOMPARE(w.sleepsOnServer(), 0);
+    QCOMPARE(test::scalar(w.window.MySqlSession, "SELECT 2"), std::string("2"));
   }
 
   // A document that needs the session meanwhile says what runs, waits when asked to, and goes
