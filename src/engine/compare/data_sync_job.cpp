@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
+#include <utility>
 
 #include "engine/compare/blob_file.h"
 #include "engine/compare/compare_error.h"
@@ -75,6 +76,14 @@ TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
   write(ScriptHeader({charset ? settings.Charset : "", charset ? settings.Charset : "",
                       ScriptName(settings.Target.Database, true), blobFile ? blobFile->path() : ""}));
 
+  // Rows go in key order, table by table, so a foreign key may see its row only later; nor may a
+  // cascade of the target's keys remove rows the source keeps.
+  bool checksOff = false;
+  auto writeStatements = [&](std::string_view text) {
+    if (!std::exchange(checksOff, true)) write("SET FOREIGN_KEY_CHECKS=0;\r\n");
+    write(text);
+  };
+
   TDBCConnectionMySql masterSide, targetSide;
   masterSide.Settings = settings.Master;
   targetSide.Settings = settings.Target;
@@ -97,7 +106,7 @@ TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
     comparer.ScriptOptions.WriteHeader = false;
     comparer.BlobFile = blobFile.get();
     comparer.HexBlobs = settings.HexBlobs;
-    comparer.OnScriptText = write;
+    comparer.OnScriptText = writeStatements;
     comparer.OnLogNextLine = OnLogNextLine;
     // The comparer is asked to stop from its own thread, so no other thread touches it.
     comparer.OnProgress = [&](uint64_t m, uint64_t mt, uint64_t t, uint64_t tt) {
@@ -113,6 +122,7 @@ TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
     }
     addTotals(result.Totals, comparer.Counters());
   }
+  if (checksOff) write("SET FOREIGN_KEY_CHECKS=1;\r\n");
   result.Stopped = stop_;
   if (blobFile) blobFile->Commit();
   log("All: " + std::to_string(result.Totals.All()) + ", Deleted: " + std::to_string(result.Totals.Deleted) +

@@ -26,6 +26,13 @@ bool TDBIndex::sameDefinition(const TDBIndex& other) const {
   return Kind == other.Kind && columnsEqual && Using == other.Using && Comment == other.Comment;
 }
 
+bool TDBIndex::leadsWith(const std::vector<std::string>& columns) const {
+  if (Columns.size() < columns.size()) return false;
+  for (size_t i = 0; i < columns.size(); ++i)
+    if (!SameName(Columns[i].Name, columns[i], false)) return false;
+  return true;
+}
+
 bool TDBForeignKey::sameDefinition(const TDBForeignKey& other) const {
   return sameNames(Columns, other.Columns) && SameName(RefTable, other.RefTable, false) &&
          sameNames(RefColumns, other.RefColumns) && OnDelete == other.OnDelete && OnUpdate == other.OnUpdate;

@@ -46,6 +46,8 @@ struct TDBIndex {
   std::string Using;
   std::string Comment;
   bool sameDefinition(const TDBIndex& other) const;
+  // The index starts with these columns, so a foreign key over them can use it.
+  bool leadsWith(const std::vector<std::string>& columns) const;
 };
 
 struct TDBForeignKey {
@@ -55,12 +57,17 @@ struct TDBForeignKey {
   std::vector<std::string> RefColumns;
   std::string OnDelete;  // empty for the default (RESTRICT)
   std::string OnUpdate;
+  // The name the server gives a key written without one; it matches on the definition alone.
+  bool NameImplied = false;
   bool sameDefinition(const TDBForeignKey& other) const;
+  bool named() const { return !Name.empty() && !NameImplied; }
 };
 
 struct TDBCheck {
   std::string Name;
   std::string Expression;
+  bool NameImplied = false;  // as for foreign keys
+  bool named() const { return !Name.empty() && !NameImplied; }
 };
 
 struct TDBTable {
@@ -76,6 +83,8 @@ struct TDBTable {
   std::string PackKeys;
   std::string Comment;
   std::string Partitioning;
+  bool SystemVersioning = false;
+  bool Sequence = false;  // the table form of a sequence, which the reader leaves out
 
   const TDBColumn* column(std::string_view name) const;
   const TDBIndex* primaryKey() const;
@@ -91,7 +100,8 @@ struct TDBView {
   std::string Compared;    // the SELECT normalised for comparison
 };
 
-// A procedure, function, trigger or event: compared on its normalised text, created from its own.
+// A procedure, function, trigger, event or sequence: compared on its normalised text, created from
+// its own.
 struct TDBCode {
   std::string Name;
   std::string Table;       // triggers only
@@ -107,6 +117,7 @@ struct TDBStructure {
   std::vector<TDBCode> Functions;
   std::vector<TDBCode> Triggers;
   std::vector<TDBCode> Events;
+  std::vector<TDBCode> Sequences;
 
   void Clear() { *this = TDBStructure(); }
 };

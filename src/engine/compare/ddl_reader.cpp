@@ -1,5 +1,6 @@
 #include "engine/compare/ddl_reader.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "engine/compare/ddl_normalise.h"
@@ -345,6 +346,10 @@ void readDefinition(Cursor& c, TDBTable& table, bool columnFirst) {
 void readTableOptions(Cursor& c, TDBTable& table) {
   while (!c.atEnd()) {
     if (c.acceptSymbol(',')) continue;
+    if (c.acceptAll({"WITH", "SYSTEM", "VERSIONING"})) {
+      table.SystemVersioning = true;
+      continue;
+    }
     if (c.peek().is("PARTITION")) {
       table.Partitioning = c.normalised(c.pos(), c.size());
       return;
@@ -362,6 +367,9 @@ void readTableOptions(Cursor& c, TDBTable& table) {
     } else if (c.accept("ROW_FORMAT")) {
       c.acceptSymbol('=');
       table.RowFormat = upper(c.name());
+    } else if (c.accept("SEQUENCE")) {
+      c.acceptSymbol('=');
+      table.Sequence = c.name() != "0";
     } else if (c.accept("PACK_KEYS")) {
       c.acceptSymbol('=');
       table.PackKeys = c.name();
@@ -377,6 +385,45 @@ void readTableOptions(Cursor& c, TDBTable& table) {
       else
         c.skip();
     }
+  }
+}
+
+int ibfkNumber(const TDBTable& table, const TDBForeignKey& key) {
+  const std::string prefix = table.Name + "_ibfk_";
+  if (!key.Name.starts_with(prefix) || key.Name.size() == prefix.size()) return 0;
+  for (char c : key.Name.substr(prefix.size()))
+    if (!std::isdigit(static_cast<unsigned char>(c))) return 0;
+  return std::stoi(key.Name.substr(prefix.size()));
+}
+
+// What the server adds to keys and checks written without a name, so that they can be dropped:
+// foreign keys are numbered "<table>_ibfk_N" (in their order in CREATE TABLE, after the highest
+// number in ALTER TABLE), checks get the lowest free "CONSTRAINT_N", and a foreign key no index
+// leads with gets one, named after the constraint or else its first column.
+void addImpliedNames(TDBTable& table, bool created) {
+  int highest = 0;
+  for (const auto& key : table.ForeignKeys) highest = std::max(highest, ibfkNumber(table, key));
+  int counter = 0;
+  for (auto& key : table.ForeignKeys) {
+    if (!key.Name.empty()) continue;
+    key.Name = table.Name + "_ibfk_" + std::to_string(created ? ++counter : ++highest);
+    key.NameImplied = true;
+  }
+  for (auto& check : table.Checks) {
+    if (!check.Name.empty()) continue;
+    int n = 1;
+    while (FindByName(table.Checks, "CONSTRAINT_" + std::to_string(n), false)) ++n;
+    check.Name = "CONSTRAINT_" + std::to_string(n);
+    check.NameImplied = true;
+  }
+  for (const auto& key : table.ForeignKeys) {
+    if (key.Columns.empty() ||
+        std::ranges::any_of(table.Indexes, [&](const TDBIndex& index) { return index.leadsWith(key.Columns); }))
+      continue;
+    TDBIndex index;
+    index.Name = key.NameImplied ? uniqueIndexName(table, key.Columns[0]) : key.Name;
+    for (const auto& column : key.Columns) index.Columns.push_back({column, {}, false});
+    table.Indexes.push_back(std::move(index));
   }
 }
 
@@ -415,6 +462,11 @@ class StatementReader {
       return Modelled;
     }
     if (c_.accept("TABLE")) return createTable();
+    if (c_.peek().is("SEQUENCE")) {
+      const size_t keyword = c_.pos();
+      c_.skip();
+      return createCode(s_.Sequences, keyword, false);
+    }
     std::string algorithm, security;
     while (!c_.atEnd()) {
       if (c_.accept("ALGORITHM")) {
@@ -452,6 +504,9 @@ class StatementReader {
       c_.acceptSymbol(',');
     }
     readTableOptions(c_, table);
+    // A sequence's table form says nothing of its values; its CREATE SEQUENCE does.
+    if (table.Sequence) return NotModelled;
+    addImpliedNames(table, true);
     FinishTable(table);
     RemoveByName(s_.Views, table.Name, caseSensitive_);
     if (auto* old = FindByName(s_.Tables, table.Name, caseSensitive_))
@@ -534,6 +589,7 @@ class StatementReader {
                                  : kind.is("FUNCTION") ? &s_.Functions
                                  : kind.is("TRIGGER")  ? &s_.Triggers
                                  : kind.is("EVENT")    ? &s_.Events
+                                 : kind.is("SEQUENCE") ? &s_.Sequences
                                                        : nullptr;
     const bool tables = kind.is("TABLE") || kind.is("TABLES") || kind.is("VIEW");
     if (kind.is("INDEX")) {
@@ -580,6 +636,7 @@ class StatementReader {
       }
       if (!c_.acceptSymbol(',')) break;
     }
+    addImpliedNames(*table, false);
     FinishTable(*table);
     return modelled ? Modelled : Ignored;
   }

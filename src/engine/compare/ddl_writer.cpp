@@ -72,7 +72,7 @@ std::string IndexDefinition(const TDBIndex& index) {
 }
 
 std::string ForeignKeyDefinition(const TDBForeignKey& key) {
-  std::string out = key.Name.empty() ? "" : "CONSTRAINT " + QuotedName(key.Name) + " ";
+  std::string out = !key.named() ? "" : "CONSTRAINT " + QuotedName(key.Name) + " ";
   out += "FOREIGN KEY (" + nameList(key.Columns) + ") REFERENCES " + QuotedName(key.RefTable) + " (" +
          nameList(key.RefColumns) + ")";
   if (!key.OnDelete.empty()) out += " ON DELETE " + key.OnDelete;
@@ -81,7 +81,7 @@ std::string ForeignKeyDefinition(const TDBForeignKey& key) {
 }
 
 std::string CheckDefinition(const TDBCheck& check) {
-  return (check.Name.empty() ? "" : "CONSTRAINT " + QuotedName(check.Name) + " ") + "CHECK (" +
+  return (!check.named() ? "" : "CONSTRAINT " + QuotedName(check.Name) + " ") + "CHECK (" +
          check.Expression + ")";
 }
 
@@ -95,6 +95,7 @@ std::string TableOptions(const TDBTable& table) {
   }
   if (!table.RowFormat.empty()) out += "\r\nROW_FORMAT=" + table.RowFormat;
   if (!table.Comment.empty()) out += "\r\nCOMMENT=" + table.Comment;
+  if (table.SystemVersioning) out += "\r\nWITH SYSTEM VERSIONING";
   if (!table.Partitioning.empty()) out += "\r\n" + table.Partitioning;
   return out;
 }

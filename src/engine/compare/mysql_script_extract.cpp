@@ -4,8 +4,10 @@
 
 #include "engine/compare/compare_error.h"
 #include "engine/compare/ddl_reader.h"
+#include "engine/connect/my_query.h"
 #include "engine/sqleditor/statement_splitter.h"
 #include "engine/transfer/my_dump.h"
+#include "engine/transfer/sql_text.h"
 
 namespace lomarin {
 
@@ -51,6 +53,23 @@ void TMySQLScriptExtract::dumpDatabase() {
     throw CompareError(StopRequested && StopRequested() ? "Stopped by the user" : e.what());
   }
   Script = dump.Text();
+  if (Objects.has(coTable)) appendSequences();
+}
+
+// The dump holds a sequence only in its table form, which says nothing of its values.
+void TMySQLScriptExtract::appendSequences() {
+  TMyQuery list(*Connection);
+  list.SQL = "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_TYPE = 'SEQUENCE' AND TABLE_SCHEMA = " +
+             QuotedString(*Connection, Database) + " ORDER BY TABLE_NAME";
+  list.Open();
+  std::vector<std::string> names;
+  while (list.Next()) names.emplace_back(list.Value(0));
+  for (const auto& name : names) {
+    TMyQuery create(*Connection);
+    create.SQL = "SHOW CREATE SEQUENCE " + ScriptName(Database, true) + "." + ScriptName(name, true);
+    create.Open();
+    if (create.Next()) Script += std::string(create.Value(1)) + ";\n";
+  }
 }
 
 void TMySQLScriptExtract::Extract(TDBStructure& into) {

@@ -35,6 +35,7 @@ class TMySQLScriptExtract {
 
  private:
   void dumpDatabase();
+  void appendSequences();
   void log(const std::string& line) const;
 };
 

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "engine/compare/compare_error.h"
-#include "engine/connect/my_query.h"
+#include "engine/compare/sync_wizard_rules.h"
 
 namespace lomarin {
 
@@ -16,17 +16,21 @@ std::string ReadScriptFile(const std::string& path) {
   return text.str();
 }
 
-std::vector<std::string> ListDatabases(const TMySessionSettings& server) {
-  TMyConnection connection;
-  connection.Settings = server;
+void ConnectSide(const TCompareSide& side, TMyConnection& connection, TSshTunnel& tunnel) {
+  connection.Settings = side.Server;
   connection.Settings.Database.clear();
+  if (side.Tunnel) {
+    tunnel.Open(*side.Tunnel);
+    connection.Settings.TunnelPort = tunnel.LocalPort();
+  }
   connection.Connect();
-  TMyQuery query(connection);
-  query.SQL = "SHOW DATABASES";
-  query.Open();
-  std::vector<std::string> names;
-  while (query.Next()) names.emplace_back(query.Value(0));
-  return names;
+}
+
+std::vector<std::string> ListDatabases(const TCompareSide& side) {
+  TSshTunnel tunnel;
+  TMyConnection connection;
+  ConnectSide(side, connection, tunnel);
+  return ListDatabases(connection);
 }
 
 TSchemaCompareJob::TSchemaCompareJob() {
@@ -39,19 +43,16 @@ TSchemaCompareJob::TSchemaCompareJob() {
 
 TSchemaCompareJob::~TSchemaCompareJob() = default;
 
-void TSchemaCompareJob::open(const TCompareSide& side, TMySQLScriptExtract& extract,
-                             std::unique_ptr<TMyConnection>& connection) {
+void TSchemaCompareJob::open(const TCompareSide& side, TMySQLScriptExtract& extract, LiveSide& live) {
   if (!side.Live) {
     extract.ExtractFrom = TExtractFromType::efScript;
     extract.Script = ReadScriptFile(side.ScriptFile);
     return;
   }
-  connection = std::make_unique<TMyConnection>();
-  connection->Settings = side.Server;
-  connection->Settings.Database.clear();
-  connection->Connect();
+  live.connection = std::make_unique<TMyConnection>();
+  ConnectSide(side, *live.connection, live.tunnel);
   extract.ExtractFrom = TExtractFromType::efDatabase;
-  extract.Connection = connection.get();
+  extract.Connection = live.connection.get();
   extract.Database = side.Database;
 }
 
@@ -63,14 +64,14 @@ void TSchemaCompareJob::Run(const TSchemaCompareSettings& settings) {
   comparer_.OnLogNextLine = OnLogNextLine;
   comparer_.OnErrorMessage = OnLogNextLine;
   comparer_.OnProgressUpdate = OnProgressUpdate;
-  open(settings.Source, source_, sourceConnection_);
-  open(settings.Target, target_, targetConnection_);
+  open(settings.Source, source_, sourceLive_);
+  open(settings.Target, target_, targetLive_);
   comparer_.CompareDatabases();
 }
 
 TMySQLExec::Result TSchemaCompareJob::Apply() {
   if (!settings_.Target.Live) throw CompareError("The target is a script file");
-  exec_.Connection = targetConnection_.get();
+  exec_.Connection = targetLive_.connection.get();
   exec_.OnLogNextLine = OnLogNextLine;
   exec_.OnErrorMessage = [this](const std::string& message) {
     if (OnLogNextLine) OnLogNextLine("Error: " + message);

@@ -3,11 +3,13 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "engine/compare/db_comparer.h"
 #include "engine/connect/session_settings.h"
+#include "engine/connect/ssh_tunnel.h"
 
 namespace lomarin {
 
@@ -16,6 +18,8 @@ namespace lomarin {
 struct TCompareSide {
   bool Live = true;
   TMySessionSettings Server;
+  // A stored account's SSH tunnel, opened for the comparison's own connection.
+  std::optional<TSshTunnelSettings> Tunnel;
   std::string Database;
   std::string ScriptFile;
 };
@@ -51,19 +55,26 @@ class TSchemaCompareJob {
   int StatementCount() const { return comparer_.StatementCount(); }
 
  private:
-  void open(const TCompareSide& side, TMySQLScriptExtract& extract,
-            std::unique_ptr<TMyConnection>& connection);
+  struct LiveSide {
+    TSshTunnel tunnel;
+    std::unique_ptr<TMyConnection> connection;
+  };
+  void open(const TCompareSide& side, TMySQLScriptExtract& extract, LiveSide& live);
 
   TSchemaCompareSettings settings_;
-  std::unique_ptr<TMyConnection> sourceConnection_, targetConnection_;
+  LiveSide sourceLive_, targetLive_;
   TMySQLScriptExtract source_, target_;
   TDBStructure sourceStructure_, targetStructure_;
   TDBComparer comparer_;
   TMySQLExec exec_;
 };
 
-// The databases of a server ("SHOW DATABASES"), on a connection opened for it.
-std::vector<std::string> ListDatabases(const TMySessionSettings& server);
+// Connects to the side's server with no database chosen, through its tunnel when it has one (the
+// tunnel must outlive the connection). Throws ServerError or TSshError.
+void ConnectSide(const TCompareSide& side, TMyConnection& connection, TSshTunnel& tunnel);
+
+// The databases of a side's server, on a connection opened for it.
+std::vector<std::string> ListDatabases(const TCompareSide& side);
 
 // The text of a script file; throws CompareError when it cannot be read.
 std::string ReadScriptFile(const std::string& path);

@@ -2,6 +2,8 @@
 
 #include <cctype>
 
+#include "engine/transfer/sql_text.h"
+
 namespace lomarin {
 
 namespace {
@@ -169,8 +171,14 @@ std::string NormaliseTokens(const std::vector<TSqlToken>& tokens, size_t from, s
       ++i;  // the qualifier and its dot
       continue;
     }
-    if (!out.empty()) out += ' ';
-    if (nameLike) {
+    // An introducer stays on its string: b'01', x'ff', _utf8mb4'a'.
+    const bool introduced = token.kind == TSqlToken::String && i > from && tokens[i - 1].kind == TSqlToken::Word &&
+                            tokens[i - 1].end == token.begin;
+    if (!out.empty() && !introduced) out += ' ';
+    if (token.kind == TSqlToken::Name) {
+      // Written back into DDL, so a name that needs its quotes keeps them.
+      out += ScriptName(lower(token.value()), false);
+    } else if (nameLike) {
       out += lower(token.value());
     } else if (token.kind == TSqlToken::String) {
       out += '\'';

@@ -48,13 +48,13 @@ Matched<T> matchByName(const std::vector<T>& master, const std::vector<T>& targe
 // Unnamed foreign keys and checks are matched on their definition.
 Matched<TDBForeignKey> matchForeignKeys(const TDBTable& master, const TDBTable& target) {
   return match(master.ForeignKeys, target.ForeignKeys, [](const TDBForeignKey& a, const TDBForeignKey& b) {
-    return a.Name.empty() || b.Name.empty() ? a.sameDefinition(b) : SameName(a.Name, b.Name, false);
+    return a.named() && b.named() ? SameName(a.Name, b.Name, false) : a.sameDefinition(b);
   });
 }
 
 Matched<TDBCheck> matchChecks(const TDBTable& master, const TDBTable& target) {
   return match(master.Checks, target.Checks, [](const TDBCheck& a, const TDBCheck& b) {
-    return a.Name.empty() || b.Name.empty() ? a.Expression == b.Expression : SameName(a.Name, b.Name, false);
+    return a.named() && b.named() ? SameName(a.Name, b.Name, false) : a.Expression == b.Expression;
   });
 }
 
@@ -102,13 +102,24 @@ bool sameView(const TDBView& a, const TDBView& b) {
 
 std::string alterTable(const TDBTable& table) { return "ALTER TABLE " + QuotedName(table.Name); }
 
+bool primaryKeyChanged(const TDBTable& m, const TDBTable& t) {
+  return t.primaryKey() && (!m.primaryKey() || !m.primaryKey()->sameDefinition(*t.primaryKey()));
+}
+
+// Columns an index must lead with on a table, for a foreign key of the target that the script keeps.
+struct KeyNeed {
+  std::string Table;
+  std::vector<std::string> Columns;
+};
+
 class Writer {
  public:
   Writer(const TDBStructure& master, const TDBStructure& target, const TSyncScriptSettings& settings)
       : master_(master),
         target_(target),
         s_(settings),
-        tables_(matchByName(master.Tables, target.Tables, settings.CaseSensitive)) {}
+        tables_(matchByName(master.Tables, target.Tables, settings.CaseSensitive)),
+        needs_(keptKeyNeeds()) {}
 
   TSyncScript run() {
     sessionStatements();
@@ -125,6 +136,7 @@ class Writer {
     if (has(coView)) createViews();
     if (has(coIndex)) createIndexes();
     if (s_.Objects.any({coPrimaryKey, coForeignKey, coUnique, coCheck})) createConstraints();
+    dropDeferred();
     if (has(coProcedure)) section("Alter Procedure...");
     if (has(coTrigger)) createTriggers();
     if (has(coView)) section("Create Views...");
@@ -196,13 +208,17 @@ class Writer {
         const IndexPairs unique(*m, *t, false);
         const auto& keys = unique.matched;
         for (const auto* key : keys.onlyTarget)
-          statement(alterTable(*t) + " DROP INDEX " + QuotedName(key->Name));
+          dropIndex(*t, *key, alterTable(*t) + " DROP INDEX " + QuotedName(key->Name));
         for (auto [mk, tk] : keys.both)
-          if (!mk->sameDefinition(*tk)) statement(alterTable(*t) + " DROP INDEX " + QuotedName(tk->Name));
+          if (!mk->sameDefinition(*tk) && !neededByKey(*t, *tk))
+            statement(alterTable(*t) + " DROP INDEX " + QuotedName(tk->Name));
       }
-      if (has(coPrimaryKey) && t->primaryKey() &&
-          (!m->primaryKey() || !m->primaryKey()->sameDefinition(*t->primaryKey())))
-        statement(alterTable(*t) + " DROP PRIMARY KEY");
+      if (has(coPrimaryKey) && primaryKeyChanged(*m, *t)) {
+        if (!m->primaryKey())
+          dropIndex(*t, *t->primaryKey(), alterTable(*t) + " DROP PRIMARY KEY");
+        else if (!neededByKey(*t, *t->primaryKey()))
+          statement(alterTable(*t) + " DROP PRIMARY KEY");
+      }
     }
   }
   void dropForeignKey(const TDBTable& table, const TDBForeignKey& key) {
@@ -210,6 +226,44 @@ class Writer {
   }
   void dropCheck(const TDBTable& table, const TDBCheck& check) {
     if (!check.Name.empty()) statement(alterTable(table) + " DROP CONSTRAINT " + QuotedName(check.Name));
+  }
+
+  std::vector<KeyNeed> keptKeyNeeds() const {
+    std::vector<KeyNeed> needs;
+    auto keep = [&needs](const TDBTable& table, const TDBForeignKey& key) {
+      needs.push_back({table.Name, key.Columns});
+      needs.push_back({key.RefTable, key.RefColumns});
+    };
+    for (auto [m, t] : tables_.both) {
+      if (!has(coForeignKey)) {
+        for (const auto& key : t->ForeignKeys) keep(*t, key);
+        continue;
+      }
+      const auto keys = matchForeignKeys(*m, *t);
+      for (auto [mk, tk] : keys.both)
+        if (mk->sameDefinition(*tk)) keep(*t, *tk);
+    }
+    if (!has(coForeignKey) || !has(coTable))
+      for (const auto* t : tables_.onlyTarget)
+        for (const auto& key : t->ForeignKeys) keep(*t, key);
+    return needs;
+  }
+  // The server refuses to drop the last index a foreign key can use.
+  bool neededByKey(const TDBTable& table, const TDBIndex& index) const {
+    return std::ranges::any_of(needs_, [&](const KeyNeed& need) {
+      return SameName(need.Table, table.Name, s_.CaseSensitive) && index.leadsWith(need.Columns);
+    });
+  }
+  // An index a kept foreign key uses goes once its replacement exists.
+  void dropIndex(const TDBTable& table, const TDBIndex& index, const std::string& sql) {
+    if (neededByKey(table, index))
+      deferredDrops_.push_back(sql);
+    else
+      statement(sql);
+  }
+  void dropDeferred() {
+    for (const auto& sql : deferredDrops_) statement(sql);
+    deferredDrops_.clear();
   }
 
   // Vanished and changed code objects are dropped; new and changed ones created later.
@@ -256,7 +310,7 @@ class Writer {
     for (auto [m, t] : tables_.both) {
       const IndexPairs indexes(*m, *t, true);
       for (const auto* index : indexes.matched.onlyTarget)
-        statement("DROP INDEX " + QuotedName(index->Name) + " ON " + QuotedName(t->Name));
+        dropIndex(*t, *index, "DROP INDEX " + QuotedName(index->Name) + " ON " + QuotedName(t->Name));
     }
   }
   void createIndexes() {
@@ -302,24 +356,39 @@ class Writer {
   }
 
   void tables() {
+    const auto sequences = matchByName(master_.Sequences, target_.Sequences, s_.CaseSensitive);
     section("Create Table...");
     for (const auto* m : tables_.onlyMaster) statement(CreateTable(*m));
+    for (const auto* m : sequences.onlyMaster) statement(m->CreateText);
     section("Alter Table...");
     for (auto [m, t] : tables_.both) alterTableOptions(*m, *t);
     for (auto [m, t] : tables_.both) alterColumns(*m, *t);
+    for (auto [m, t] : sequences.both)
+      if (m->Compared != t->Compared) statement("CREATE OR REPLACE" + m->CreateText.substr(6));
     section("Drop table-fields...");
-    for (auto [m, t] : tables_.both)
+    for (auto [m, t] : tables_.both) {
       for (const auto& column : t->Columns)
         if (!m->column(column.Name)) {
           line("/* Data loss: the values of column " + QuotedName(t->Name) + "." + QuotedName(column.Name) +
                " */");
+          keepHistory(*m, *t);
           statement(alterTable(*t) + " DROP " + QuotedName(column.Name));
         }
+      if (m->SystemVersioning && !t->SystemVersioning) statement(alterTable(*m) + " ADD SYSTEM VERSIONING");
+    }
     section("Drop tables...");
     for (const auto* t : tables_.onlyTarget) {
       line("/* Data loss: the rows of table " + QuotedName(t->Name) + " */");
       statement("DROP TABLE " + QuotedName(t->Name));
     }
+    for (const auto* t : sequences.onlyTarget) statement("DROP SEQUENCE " + QuotedName(t->Name));
+  }
+
+  // The server refuses to change the columns of a versioned table unless told to keep its history.
+  void keepHistory(const TDBTable& m, const TDBTable& t) {
+    if (!m.SystemVersioning || !t.SystemVersioning || historyKept_) return;
+    statement("SET @@system_versioning_alter_history = KEEP");
+    historyKept_ = true;
   }
 
   void alterTableOptions(const TDBTable& m, const TDBTable& t) {
@@ -334,6 +403,7 @@ class Writer {
       options += " ROW_FORMAT=" + (m.RowFormat.empty() ? std::string("DEFAULT") : m.RowFormat);
     if (m.Comment != t.Comment) options += " COMMENT=" + (m.Comment.empty() ? std::string("''") : m.Comment);
     if (!options.empty()) statement(alterTable(m) + options);
+    if (!m.SystemVersioning && t.SystemVersioning) statement(alterTable(m) + " DROP SYSTEM VERSIONING");
     if (m.Partitioning != t.Partitioning)
       statement(alterTable(m) + (m.Partitioning.empty() ? " REMOVE PARTITIONING" : " " + m.Partitioning));
   }
@@ -355,6 +425,7 @@ class Writer {
     for (const auto& column : m.Columns) {
       const auto* old = t.column(column.Name);
       if (!old) {
+        keepHistory(m, t);
         statement(alterTable(m) + " ADD " + ColumnDefinition(column, m) + position());
         order.insert(previous.empty() ? order.begin() : at(previous) + 1, column.Name);
       } else {
@@ -362,11 +433,20 @@ class Writer {
         const bool moved = previous.empty() ? it != order.begin()
                                             : (it == order.begin() || !SameName(*(it - 1), previous, false));
         const bool renamed = old->Name != column.Name;
-        if (moved || renamed || !sameColumn(column, *old)) {
+        // The server cannot turn a column into or out of a generated one, or a generated one
+        // between VIRTUAL and STORED, in place; such a column holds no data of its own.
+        const bool rebuilt = column.Generated.empty() != old->Generated.empty() ||
+                             (!column.Generated.empty() && column.Stored != old->Stored);
+        if (rebuilt) {
+          keepHistory(m, t);
+          statement(alterTable(m) + " DROP " + QuotedName(old->Name) + ", ADD " + ColumnDefinition(column, m) +
+                    position());
+        } else if (moved || renamed || !sameColumn(column, *old)) {
           const std::string how = renamed ? " CHANGE " + QuotedName(old->Name) + " " : " MODIFY ";
+          keepHistory(m, t);
           statement(alterTable(m) + how + ColumnDefinition(column, m) + (moved ? position() : ""));
         }
-        if (moved) {
+        if (moved || rebuilt) {
           order.erase(it);
           order.insert(previous.empty() ? order.begin() : at(previous) + 1, column.Name);
         }
@@ -380,9 +460,12 @@ class Writer {
     commentSection("/* Create Default... */");
     if (has(coPrimaryKey)) {
       commentSection("/* Create Primary Key... */");
-      for (auto [m, t] : tables_.both)
-        if (m->primaryKey() && (!t->primaryKey() || !m->primaryKey()->sameDefinition(*t->primaryKey())))
-          statement(alterTable(*m) + " ADD " + IndexDefinition(*m->primaryKey()));
+      for (auto [m, t] : tables_.both) {
+        if (!m->primaryKey() || (t->primaryKey() && !primaryKeyChanged(*m, *t))) continue;
+        const bool replaced = t->primaryKey() && neededByKey(*t, *t->primaryKey());
+        statement(alterTable(*m) + (replaced ? " DROP PRIMARY KEY," : "") + " ADD " +
+                  IndexDefinition(*m->primaryKey()));
+      }
     }
     if (has(coUnique)) {
       commentSection("/* Create Unique... */");
@@ -391,9 +474,12 @@ class Writer {
         const auto& keys = unique.matched;
         for (const auto* key : keys.onlyMaster) statement(alterTable(*m) + " ADD " + IndexDefinition(*key));
         for (auto [mk, tk] : keys.both)
-          if (!mk->sameDefinition(*tk)) statement(alterTable(*m) + " ADD " + IndexDefinition(*mk));
+          if (!mk->sameDefinition(*tk))
+            statement(alterTable(*m) + (neededByKey(*t, *tk) ? " DROP INDEX " + QuotedName(tk->Name) + "," : "") +
+                      " ADD " + IndexDefinition(*mk));
       }
     }
+    dropDeferred();
     if (has(coForeignKey)) {
       commentSection("/* Create Foreign Key... */");
       for (const auto* m : tables_.onlyMaster)
@@ -436,6 +522,9 @@ class Writer {
   const TDBStructure& target_;
   const TSyncScriptSettings& s_;
   const Matched<TDBTable> tables_;
+  const std::vector<KeyNeed> needs_;
+  std::vector<std::string> deferredDrops_;
+  bool historyKept_ = false;
   TSyncScript out_;
 };
 

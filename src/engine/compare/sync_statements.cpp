@@ -14,7 +14,9 @@ std::string KeyCondition(const std::vector<TSyncValue>& key, const TSyncValueWri
       continue;
     }
     out += " = ";
-    values.append(out, field.Kind, field.Value, false);
+    // The server compares a FLOAT column widened to DOUBLE: the key must be that double exactly.
+    values.append(out, field.Kind == TSyncValueKind::Float ? TSyncValueKind::Double : field.Kind, field.Value,
+                  false);
   }
   return out;
 }

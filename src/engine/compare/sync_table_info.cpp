@@ -92,7 +92,9 @@ TSyncTableInfo ReadTableInfo(TMyConnection& connection, const std::string& table
     c.Name = columns.Value(0);
     c.Type = lower(std::string(columns.Value(1)));
     if (!columns.IsNull(collation)) c.Collation = columns.Value(collation);
-    c.Generated = lower(std::string(columns.Value(extra))).find("generated") != std::string::npos;
+    const std::string extras = lower(std::string(columns.Value(extra)));
+    c.Generated = extras.find("generated") != std::string::npos;
+    c.Invisible = extras.find("invisible") != std::string::npos;
     ClassifyColumn(c);
     info.Columns.push_back(std::move(c));
   }

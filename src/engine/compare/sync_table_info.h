@@ -16,6 +16,7 @@ struct TSyncColumn {
   std::string Type;       // as SHOW FULL COLUMNS writes it, lower case
   std::string Collation;  // empty for non-character columns
   bool Generated = false;
+  bool Invisible = false;  // left out of "select *"
   bool IsBlob = false;  // a BLOB or TEXT column
   TSyncValueKind ValueKind = TSyncValueKind::Text;
   TKeyOrderKind OrderKind = TKeyOrderKind::Bytes;

@@ -82,7 +82,8 @@ std::vector<std::string> ShowCreateAll(const std::string& database) {
   const std::string db = "'" + database + "'";
   auto add = [&](const std::string& kind, const std::string& list, size_t textColumn) {
     for (const auto& name : column(*session, list)) {
-      auto text = column(*session, "SHOW CREATE " + kind + " `" + name + "`", textColumn).at(0);
+      const std::string quoted = std::regex_replace(name, std::regex("`"), "``");
+      auto text = column(*session, "SHOW CREATE " + kind + " `" + quoted + "`", textColumn).at(0);
       text = std::regex_replace(text, std::regex(" DEFINER=`[^`]*`@`[^`]*`"), "");
       text = std::regex_replace(text, std::regex(" AUTO_INCREMENT=[0-9]+"), "");
       // The dump engine puts a trigger's body on a line of its own.
@@ -90,7 +91,13 @@ std::vector<std::string> ShowCreateAll(const std::string& database) {
       print.push_back(kind + " " + text);
     }
   };
-  add("TABLE", "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA = " + db + " ORDER BY 1",
+  add("TABLE",
+      "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA = " + db +
+          " AND TABLE_TYPE <> 'SEQUENCE' ORDER BY 1",
+      1);
+  add("SEQUENCE",
+      "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_SCHEMA = " + db +
+          " AND TABLE_TYPE = 'SEQUENCE' ORDER BY 1",
       1);
   add("PROCEDURE",
       "SELECT ROUTINE_NAME FROM information_schema.ROUTINES WHERE ROUTINE_TYPE = 'PROCEDURE' AND "

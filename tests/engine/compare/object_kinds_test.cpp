@@ -29,7 +29,8 @@ const std::vector<std::string> kTarget = {
     "CREATE TABLE parent (id INT NOT NULL, code CHAR(3) NOT NULL)",
     "CREATE TABLE both_t (id INT NOT NULL, a VARCHAR(20) NULL, b INT NOT NULL DEFAULT 5, gone INT NULL,"
     " PRIMARY KEY (id, b), UNIQUE KEY uq_gone (gone), KEY ix_gone (gone), KEY ix_changed (b, a),"
-    " CONSTRAINT fk_b FOREIGN KEY (b) REFERENCES parent (id), CONSTRAINT chk_gone CHECK (gone > 0))",
+    " CONSTRAINT fk_b FOREIGN KEY (b) REFERENCES parent (id), CONSTRAINT chk_gone CHECK (gone > 0),"
+    " FOREIGN KEY (gone) REFERENCES parent (id), CHECK (b < 1000))",
     "CREATE TABLE old_t (id INT NOT NULL PRIMARY KEY)",
     "CREATE VIEW v_old AS SELECT 1 AS one",
     "CREATE VIEW v_both AS SELECT id FROM both_t",
@@ -45,8 +46,10 @@ const std::vector<std::string> kTarget = {
 // line breaks.
 const std::string kExpected =
     "USE `kinds_target`;\r\n"
+    "ALTER TABLE `both_t` DROP FOREIGN KEY `both_t_ibfk_1`;\r\n"
     "ALTER TABLE `both_t` DROP FOREIGN KEY `fk_b`;\r\n"
     "ALTER TABLE `both_t` DROP CONSTRAINT `chk_gone`;\r\n"
+    "ALTER TABLE `both_t` DROP CONSTRAINT `CONSTRAINT_1`;\r\n"
     "ALTER TABLE `both_t` DROP INDEX `uq_gone`;\r\n"
     "ALTER TABLE `both_t` DROP PRIMARY KEY;\r\n"
     "DROP PROCEDURE `p_old`;\r\n"
@@ -122,18 +125,38 @@ const std::string kExpected =
     "/* Drop event... */\r\n"
     "DROP EVENT `ev_old`;\r\n";
 
+// The target live, and the target as the script file that built it: unnamed keys and checks are
+// dropped by the names the server gave them.
 TEST(CompareObjectKinds, CreatesDropsAndAltersEveryKindOnTheServer) {
   // The target's foreign key needs the parent's key, which the source adds only later.
   std::vector<std::string> target = kTarget;
   target[0] = "CREATE TABLE parent (id INT NOT NULL, code CHAR(3) NOT NULL, KEY (id))";
+  std::string targetScript;
+  for (const auto& sql : target) targetScript += "DELIMITER $$\n" + sql + "$$\nDELIMITER ;\n";
   test::MakeDatabase("kinds_source", kSource);
-  test::MakeDatabase("kinds_target", target);
-  test::LiveCompare compare("kinds_source", "kinds_target");
-  for (auto kind : {coProcedure, coFunction, coTrigger}) compare.comparer.CompareObjects.add(kind);
-  const auto& script = compare.run();
-  EXPECT_EQ(kExpected, script);
-  EXPECT_EQ(std::vector<std::string>{}, compare.apply()) << script;
-  EXPECT_EQ(test::ShowCreateAll("kinds_source"), test::ShowCreateAll("kinds_target")) << script;
+  for (bool fromScript : {false, true}) {
+    SCOPED_TRACE(fromScript ? "target script" : "live target");
+    test::MakeDatabase("kinds_target", target);
+    test::LiveCompare compare("kinds_source", "kinds_target");
+    for (auto kind : {coProcedure, coFunction, coTrigger}) compare.comparer.CompareObjects.add(kind);
+    if (fromScript) {
+      compare.targetExtract.ExtractFrom = TExtractFromType::efScript;
+      compare.targetExtract.Script = targetScript;
+    }
+    std::string expected = kExpected;
+    if (fromScript) {
+      // The script's tables name no engine or character set: they take the source's.
+      expected.erase(0, expected.find('\n') + 1);
+      const std::string created = "COLLATE=utf8mb4_general_ci;\r\n";
+      expected.insert(expected.find(created) + created.size(),
+                      "ALTER TABLE `both_t` ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;\r\n"
+                      "ALTER TABLE `parent` ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;\r\n");
+    }
+    const auto& script = compare.run();
+    EXPECT_EQ(expected, script);
+    EXPECT_EQ(std::vector<std::string>{}, compare.apply()) << script;
+    EXPECT_EQ(test::ShowCreateAll("kinds_source"), test::ShowCreateAll("kinds_target")) << script;
+  }
 }
 
 }  // namespace
