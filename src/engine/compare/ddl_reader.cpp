@@ -417,8 +417,9 @@ void addImpliedNames(TDBTable& table, bool created) {
     check.NameImplied = true;
   }
   for (const auto& key : table.ForeignKeys) {
-    if (key.Columns.empty() ||
-        std::ranges::any_of(table.Indexes, [&](const TDBIndex& index) { return index.leadsWith(key.Columns); }))
+    if (key.Columns.empty() || std::ranges::any_of(table.Indexes, [&](const TDBIndex& index) {
+          return index.leadsWith(key.Columns);
+        }))
       continue;
     TDBIndex index;
     index.Name = key.NameImplied ? uniqueIndexName(table, key.Columns[0]) : key.Name;

@@ -81,8 +81,8 @@ std::string ForeignKeyDefinition(const TDBForeignKey& key) {
 }
 
 std::string CheckDefinition(const TDBCheck& check) {
-  return (!check.named() ? "" : "CONSTRAINT " + QuotedName(check.Name) + " ") + "CHECK (" +
-         check.Expression + ")";
+  return (!check.named() ? "" : "CONSTRAINT " + QuotedName(check.Name) + " ") + "CHECK (" + check.Expression +
+         ")";
 }
 
 std::string TableOptions(const TDBTable& table) {

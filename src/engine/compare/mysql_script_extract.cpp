@@ -59,8 +59,9 @@ void TMySQLScriptExtract::dumpDatabase() {
 // The dump holds a sequence only in its table form, which says nothing of its values.
 void TMySQLScriptExtract::appendSequences() {
   TMyQuery list(*Connection);
-  list.SQL = "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_TYPE = 'SEQUENCE' AND TABLE_SCHEMA = " +
-             QuotedString(*Connection, Database) + " ORDER BY TABLE_NAME";
+  list.SQL =
+      "SELECT TABLE_NAME FROM information_schema.TABLES WHERE TABLE_TYPE = 'SEQUENCE' AND TABLE_SCHEMA = " +
+      QuotedString(*Connection, Database) + " ORDER BY TABLE_NAME";
   list.Open();
   std::vector<std::string> names;
   while (list.Next()) names.emplace_back(list.Value(0));

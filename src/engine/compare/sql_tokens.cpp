@@ -172,8 +172,8 @@ std::string NormaliseTokens(const std::vector<TSqlToken>& tokens, size_t from, s
       continue;
     }
     // An introducer stays on its string: b'01', x'ff', _utf8mb4'a'.
-    const bool introduced = token.kind == TSqlToken::String && i > from && tokens[i - 1].kind == TSqlToken::Word &&
-                            tokens[i - 1].end == token.begin;
+    const bool introduced = token.kind == TSqlToken::String && i > from &&
+                            tokens[i - 1].kind == TSqlToken::Word && tokens[i - 1].end == token.begin;
     if (!out.empty() && !introduced) out += ' ';
     if (token.kind == TSqlToken::Name) {
       // Written back into DDL, so a name that needs its quotes keeps them.

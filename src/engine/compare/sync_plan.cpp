@@ -94,9 +94,9 @@ TSyncSidePlan sidePlan(const TSyncTableInfo& info, const TSyncTableOptions& opti
                   [](const TSyncColumn* c) { return c->ValueKind == TSyncValueKind::Float; }) ||
       std::any_of(side.Keys.begin(), side.Keys.end(),
                   [](const TSyncColumn* c) { return c->ValueKind == TSyncValueKind::Float; });
-  const bool allFields =
-      side.Keys.size() + side.Data.size() == info.Columns.size() &&
-      std::none_of(info.Columns.begin(), info.Columns.end(), [](const TSyncColumn& c) { return c.Invisible; });
+  const bool allFields = side.Keys.size() + side.Data.size() == info.Columns.size() &&
+                         std::none_of(info.Columns.begin(), info.Columns.end(),
+                                      [](const TSyncColumn& c) { return c.Invisible; });
   std::string list;
   if (allFields && !floats && helpers.empty()) {
     list = "*";

@@ -439,8 +439,8 @@ class Writer {
                              (!column.Generated.empty() && column.Stored != old->Stored);
         if (rebuilt) {
           keepHistory(m, t);
-          statement(alterTable(m) + " DROP " + QuotedName(old->Name) + ", ADD " + ColumnDefinition(column, m) +
-                    position());
+          statement(alterTable(m) + " DROP " + QuotedName(old->Name) + ", ADD " +
+                    ColumnDefinition(column, m) + position());
         } else if (moved || renamed || !sameColumn(column, *old)) {
           const std::string how = renamed ? " CHANGE " + QuotedName(old->Name) + " " : " MODIFY ";
           keepHistory(m, t);
@@ -475,8 +475,9 @@ class Writer {
         for (const auto* key : keys.onlyMaster) statement(alterTable(*m) + " ADD " + IndexDefinition(*key));
         for (auto [mk, tk] : keys.both)
           if (!mk->sameDefinition(*tk))
-            statement(alterTable(*m) + (neededByKey(*t, *tk) ? " DROP INDEX " + QuotedName(tk->Name) + "," : "") +
-                      " ADD " + IndexDefinition(*mk));
+            statement(alterTable(*m) +
+                      (neededByKey(*t, *tk) ? " DROP INDEX " + QuotedName(tk->Name) + "," : "") + " ADD " +
+                      IndexDefinition(*mk));
       }
     }
     dropDeferred();

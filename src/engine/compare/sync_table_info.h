@@ -17,7 +17,7 @@ struct TSyncColumn {
   std::string Collation;  // empty for non-character columns
   bool Generated = false;
   bool Invisible = false;  // left out of "select *"
-  bool IsBlob = false;  // a BLOB or TEXT column
+  bool IsBlob = false;     // a BLOB or TEXT column
   TSyncValueKind ValueKind = TSyncValueKind::Text;
   TKeyOrderKind OrderKind = TKeyOrderKind::Bytes;
 };

@@ -23,6 +23,9 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "engine/connect/accounts_session.h"
+#include "engine/connect/ssh_account.h"
+#include "engine/connect/ssh_key_store.h"
 #include "ui/compare/background_job.h"
 
 namespace lomarin::ui {
@@ -66,6 +69,7 @@ const QStringList& CompareCharsets() {
 struct TformSchemaCompare::Widgets {
   QStackedWidget* pages = nullptr;
   QRadioButton *online2Online = nullptr, *online2Offline = nullptr, *offline2Offline = nullptr;
+  QComboBox* account = nullptr;
   QLineEdit *user = nullptr, *password = nullptr, *server = nullptr, *port = nullptr;
   QComboBox *sourceDb = nullptr, *targetDb = nullptr;
   QLineEdit *sourceFile = nullptr, *targetFile = nullptr;
@@ -81,8 +85,12 @@ struct TformSchemaCompare::Widgets {
   QPushButton *back = nullptr, *next = nullptr, *finish = nullptr, *stop = nullptr, *cancel = nullptr;
 };
 
-TformSchemaCompare::TformSchemaCompare(TMyConnection& session, QWidget* parent)
-    : QDialog(parent), w_(std::make_unique<Widgets>()), session_(session), worker_(new TBackgroundJob(this)) {
+TformSchemaCompare::TformSchemaCompare(TMyConnection& session, SettingsStore* settings, QWidget* parent)
+    : QDialog(parent),
+      w_(std::make_unique<Widgets>()),
+      session_(session),
+      settings_(settings),
+      worker_(new TBackgroundJob(this)) {
   setObjectName("TformSchemaCompare");
   setWindowTitle("Structure synchronization wizard ");
   resize(720, 520);
@@ -140,6 +148,14 @@ QWidget* TformSchemaCompare::buildServerPage() {
   auto* layout = new QVBoxLayout(page);
   layout->addWidget(new QLabel("The target server:"));
   auto* grid = new QGridLayout;
+  w_->account = named(new QComboBox, "cobAccount");
+  w_->account->addItem("");  // the fields below as typed
+  if (settings_)
+    for (const auto& name : TAccountStore(*settings_).names())
+      w_->account->addItem(QString::fromStdString(name));
+  connect(w_->account, &QComboBox::currentIndexChanged, this, &TformSchemaCompare::accountChosen);
+  grid->addWidget(new QLabel("Stored account"), 0, 0);
+  grid->addWidget(w_->account, 0, 1);
   w_->user = named(new QLineEdit, "edtUser");
   w_->password = named(new QLineEdit, "edtPassword");
   w_->password->setEchoMode(QLineEdit::Password);
@@ -147,7 +163,7 @@ QWidget* TformSchemaCompare::buildServerPage() {
   w_->port = named(new QLineEdit("3306"), "edtPort");
   const std::pair<const char*, QLineEdit*> rows[] = {
       {"User name", w_->user}, {"Password", w_->password}, {"Server", w_->server}, {"Port", w_->port}};
-  int row = 0;
+  int row = 1;
   for (const auto& [label, edit] : rows) {
     grid->addWidget(new QLabel(label), row, 0);
     grid->addWidget(edit, row++, 1);
@@ -308,14 +324,32 @@ bool TformSchemaCompare::running() const { return worker_->running(); }
 bool TformSchemaCompare::sourceLive() const { return !w_->offline2Offline->isChecked(); }
 bool TformSchemaCompare::targetLive() const { return w_->online2Online->isChecked(); }
 
-TMySessionSettings TformSchemaCompare::secondServer() const {
-  TMySessionSettings server;
+// A stored account brings its options and tunnels; the fields, which it filled, may still be edited.
+TCompareSide TformSchemaCompare::secondServer() const {
+  TCompareSide side;
+  auto& server = side.Server;
+  if (account_) {
+    applyAccountToSession(*account_, server);
+    if (account_->UseSSH) side.Tunnel = tunnelSettingsOf(*account_, SshKeyStoreFolder(*settings_));
+  } else {
+    server.Protocol = TMyProtocol::TCP;
+  }
   server.Username = w_->user->text().toStdString();
   server.Password = w_->password->text().toStdString();
   server.Server = w_->server->text().toStdString();
   server.Port = w_->port->text().toInt();
-  server.Protocol = TMyProtocol::TCP;
-  return server;
+  return side;
+}
+
+void TformSchemaCompare::accountChosen(int index) {
+  account_.reset();
+  if (index > 0 && settings_)
+    account_ = TAccountStore(*settings_).load(w_->account->itemText(index).toStdString());
+  if (!account_) return;
+  w_->user->setText(QString::fromStdString(account_->Login));
+  w_->password->setText(QString::fromStdString(account_->Password));
+  w_->server->setText(QString::fromStdString(account_->Server));
+  w_->port->setText(QString::number(account_->Port));
 }
 
 void TformSchemaCompare::goTo(int page) {
@@ -334,6 +368,7 @@ void TformSchemaCompare::goTo(int page) {
 }
 
 void TformSchemaCompare::btnCopyConnectionClick() {
+  w_->account->setCurrentIndex(0);
   const auto& s = session_.Settings;
   w_->user->setText(QString::fromStdString(s.Username));
   w_->password->setText(QString::fromStdString(s.Password));
@@ -342,13 +377,17 @@ void TformSchemaCompare::btnCopyConnectionClick() {
 }
 
 void TformSchemaCompare::fillDatabases() {
-  auto fill = [](QComboBox* box, const TMySessionSettings& server) {
+  auto fill = [](QComboBox* box, const TCompareSide& side) {
     const QString chosen = box->currentText();
     box->clear();
-    for (const auto& name : ListDatabases(server)) box->addItem(QString::fromStdString(name));
+    for (const auto& name : ListDatabases(side)) box->addItem(QString::fromStdString(name));
     if (!chosen.isEmpty()) box->setCurrentText(chosen);
   };
-  if (sourceLive()) fill(w_->sourceDb, session_.Settings);
+  if (sourceLive()) {
+    TCompareSide source;
+    source.Server = session_.Settings;
+    fill(w_->sourceDb, source);
+  }
   if (targetLive()) fill(w_->targetDb, secondServer());
 }
 
@@ -418,8 +457,10 @@ TSchemaCompareSettings TformSchemaCompare::settings() const {
   s.Source.Server = session_.Settings;
   s.Source.Database = w_->sourceDb->currentText().toStdString();
   s.Source.ScriptFile = w_->sourceFile->text().toStdString();
+  const auto live = secondServer();
   s.Target.Live = targetLive();
-  s.Target.Server = secondServer();
+  s.Target.Server = live.Server;
+  s.Target.Tunnel = live.Tunnel;
   s.Target.Database = w_->targetDb->currentText().toStdString();
   s.Target.ScriptFile = w_->targetFile->text().toStdString();
   s.Objects = {};

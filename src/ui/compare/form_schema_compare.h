@@ -3,8 +3,10 @@
 #include <QDialog>
 #include <QStringList>
 #include <memory>
+#include <optional>
 
 #include "engine/compare/schema_compare_job.h"
+#include "engine/connect/accounts.h"
 #include "engine/connect/my_connection.h"
 
 class QCheckBox;
@@ -19,6 +21,10 @@ class QRadioButton;
 class QStackedWidget;
 class QTabWidget;
 
+namespace lomarin {
+class SettingsStore;
+}
+
 namespace lomarin::ui {
 
 class TBackgroundJob;
@@ -32,8 +38,10 @@ class TformSchemaCompare : public QDialog {
   enum Page { pgMode, pgServer, pgDatabases, pgOptions, pgResult };
 
   // session: the main window's, whose settings the live source (and "Copy existing connection")
-  // take; it is never used for the comparison itself.
-  explicit TformSchemaCompare(TMyConnection& session, QWidget* parent = nullptr);
+  // take; it is never used for the comparison itself. settings: where the stored accounts the
+  // second server can be chosen from are (none offered without it).
+  explicit TformSchemaCompare(TMyConnection& session, SettingsStore* settings = nullptr,
+                              QWidget* parent = nullptr);
   ~TformSchemaCompare() override;
 
   int currentPage() const;
@@ -54,7 +62,8 @@ class TformSchemaCompare : public QDialog {
 
   bool sourceLive() const;
   bool targetLive() const;
-  TMySessionSettings secondServer() const;
+  TCompareSide secondServer() const;
+  void accountChosen(int index);
   void goTo(int page);
   void btnNextClick();
   void btnBackClick();
@@ -74,6 +83,8 @@ class TformSchemaCompare : public QDialog {
   struct Widgets;
   std::unique_ptr<Widgets> w_;
   TMyConnection& session_;
+  SettingsStore* settings_;
+  std::optional<TAccount> account_;
   TSchemaCompareJob job_;
   TBackgroundJob* worker_;
   QStringList log_;

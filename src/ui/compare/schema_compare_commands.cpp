@@ -8,7 +8,7 @@ namespace lomarin::ui {
 
 void installSchemaCompareCommands(Tformppal& window) {
   window.actions().setHandler("actdbstructureSyn", [&window] {
-    TformSchemaCompare wizard(window.MySqlSession, &window);
+    TformSchemaCompare wizard(window.MySqlSession, &window.settings(), &window);
     wizard.exec();
   });
 }

@@ -5,6 +5,7 @@
 
 #include "compare_fixture.h"
 #include "engine/compare/data_sync_job.h"
+#include "engine/compare/ddl_writer.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/my_script.h"
 
@@ -33,24 +34,24 @@ std::vector<std::string> column(TMyConnection& session, const std::string& sql, 
   return values;
 }
 
-std::string quoted(const std::string& name) { return "`" + std::regex_replace(name, std::regex("`"), "``") + "`"; }
-
 // Every row of a table, invisible columns too, each value as its bytes (a FLOAT widened first).
 std::vector<std::string> rows(TMyConnection& session, const std::string& database, const std::string& table) {
   std::string columns;
-  for (const auto& value : column(
-           session, "SELECT CONCAT('IFNULL(HEX(CAST(', CONCAT('`', REPLACE(COLUMN_NAME, '`', '``'), '`'), "
-                    "IF(DATA_TYPE = 'float', ' * 1e0', ''), ' AS BINARY)), ''NULL'')') FROM "
-                    "information_schema.COLUMNS WHERE TABLE_SCHEMA = '" +
-                        database + "' AND TABLE_NAME = '" + std::regex_replace(table, std::regex("'"), "''") +
-                        "' ORDER BY ORDINAL_POSITION"))
+  for (const auto& value :
+       column(session,
+              "SELECT CONCAT('IFNULL(HEX(CAST(', CONCAT('`', REPLACE(COLUMN_NAME, '`', '``'), '`'), "
+              "IF(DATA_TYPE = 'float', ' * 1e0', ''), ' AS BINARY)), ''NULL'')') FROM "
+              "information_schema.COLUMNS WHERE TABLE_SCHEMA = '" +
+                  database + "' AND TABLE_NAME = '" + std::regex_replace(table, std::regex("'"), "''") +
+                  "' ORDER BY ORDINAL_POSITION"))
     columns += (columns.empty() ? "" : ", ") + value;
-  return column(session, "SELECT CONCAT_WS(',', " + columns + ") FROM " + quoted(database) + "." + quoted(table) +
-                             " ORDER BY 1");
+  return column(session, "SELECT CONCAT_WS(',', " + columns + ") FROM " + QuotedName(database) + "." +
+                             QuotedName(table) + " ORDER BY 1");
 }
 
 std::string checksum(TMyConnection& session, const std::string& database, const std::string& table) {
-  return column(session, "CHECKSUM TABLE " + quoted(database) + "." + quoted(table) + " EXTENDED", 1).at(0);
+  return column(session, "CHECKSUM TABLE " + QuotedName(database) + "." + QuotedName(table) + " EXTENDED", 1)
+      .at(0);
 }
 
 // The pair under tests/engine/compare/data holds what a server can hold and a script can get
@@ -89,17 +90,20 @@ TEST(AdversarialPair, StructureThenDataSyncMakeTheTargetEqualTheSource) {
     std::vector<std::string> refused;
     for (const auto& line : log)
       if (line.starts_with("Error compare tables ")) refused.push_back(line);
-    EXPECT_EQ(std::vector<std::string>(
-                  {"Error compare tables keyless : keyless There are no key-fields for comparison. Table: keyless",
-                   "Error compare tables unique_nulls : unique_nulls There are no key-fields for comparison. "
-                   "Table: unique_nulls"}),
-              refused);
+    EXPECT_EQ(
+        std::vector<std::string>(
+            {"Error compare tables keyless : keyless There are no key-fields for comparison. Table: keyless",
+             "Error compare tables unique_nulls : unique_nulls There are no key-fields for comparison. "
+             "Table: unique_nulls"}),
+        refused);
     for (const auto& [table, ignored] : settings.Pairs) {
       if (table == "keyless" || table == "unique_nulls") continue;
       EXPECT_EQ(rows(*source, "adv_source", table), rows(*target, "adv_target", table)) << table;
       // A versioned table's checksum takes in when each row version began, which no script can copy.
-      if (test::scalar(*source, "SELECT TABLE_TYPE FROM information_schema.TABLES WHERE TABLE_SCHEMA = "
-                                "'adv_source' AND TABLE_NAME = '" + table + "'") != "SYSTEM VERSIONED") {
+      if (test::scalar(*source,
+                       "SELECT TABLE_TYPE FROM information_schema.TABLES WHERE TABLE_SCHEMA = "
+                       "'adv_source' AND TABLE_NAME = '" +
+                           table + "'") != "SYSTEM VERSIONED") {
         EXPECT_EQ(checksum(*source, "adv_source", table), checksum(*target, "adv_target", table)) << table;
       }
     }

@@ -3,6 +3,7 @@
 #include <regex>
 #include <sstream>
 
+#include "engine/compare/ddl_writer.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/statement_splitter.h"
@@ -82,8 +83,7 @@ std::vector<std::string> ShowCreateAll(const std::string& database) {
   const std::string db = "'" + database + "'";
   auto add = [&](const std::string& kind, const std::string& list, size_t textColumn) {
     for (const auto& name : column(*session, list)) {
-      const std::string quoted = std::regex_replace(name, std::regex("`"), "``");
-      auto text = column(*session, "SHOW CREATE " + kind + " `" + quoted + "`", textColumn).at(0);
+      auto text = column(*session, "SHOW CREATE " + kind + " " + QuotedName(name), textColumn).at(0);
       text = std::regex_replace(text, std::regex(" DEFINER=`[^`]*`@`[^`]*`"), "");
       text = std::regex_replace(text, std::regex(" AUTO_INCREMENT=[0-9]+"), "");
       // The dump engine puts a trigger's body on a line of its own.

@@ -148,9 +148,10 @@ TEST(CompareObjectKinds, CreatesDropsAndAltersEveryKindOnTheServer) {
       // The script's tables name no engine or character set: they take the source's.
       expected.erase(0, expected.find('\n') + 1);
       const std::string created = "COLLATE=utf8mb4_general_ci;\r\n";
-      expected.insert(expected.find(created) + created.size(),
-                      "ALTER TABLE `both_t` ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;\r\n"
-                      "ALTER TABLE `parent` ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;\r\n");
+      expected.insert(
+          expected.find(created) + created.size(),
+          "ALTER TABLE `both_t` ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;\r\n"
+          "ALTER TABLE `parent` ENGINE=InnoDB DEFAULT CHARSET=utf8mb4 COLLATE=utf8mb4_general_ci;\r\n");
     }
     const auto& script = compare.run();
     EXPECT_EQ(expected, script);

@@ -56,7 +56,7 @@ TEST(CompareRoundTrip, ScriptTurnsAChangedCopyBackIntoTheSource) {
       "ALTER TABLE orders RENAME INDEX ix_orders_date TO ix_orders_when",  // renamed index
       // renamed index a kept foreign key uses
       "ALTER TABLE categories RENAME INDEX ix_categories_parent TO ix_categories_up",
-      "ALTER TABLE orders DROP FOREIGN KEY fk_orders_customer",            // foreign-key action
+      "ALTER TABLE orders DROP FOREIGN KEY fk_orders_customer",  // foreign-key action
       "ALTER TABLE orders ADD CONSTRAINT fk_orders_customer FOREIGN KEY (customer_id) REFERENCES customers "
       "(customer_id) ON DELETE CASCADE",
       "CREATE OR REPLACE VIEW v_order_totals AS SELECT o.order_id, o.customer_id, o.order_date, o.status, "

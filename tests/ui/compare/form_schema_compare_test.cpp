@@ -15,8 +15,11 @@
 #include <fstream>
 
 #include "../app/shell_test_support.h"
+#include "engine/app/option_names.h"
 #include "engine/connect/my_query.h"
+#include "engine/connect/ssh_key_store.h"
 #include "test_server.h"
+#include "test_ssh_server.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/compare/schema_compare_commands.h"
@@ -123,6 +126,49 @@ class FormSchemaCompareTest : public QObject {
     QVERIFY(wizard.log().contains("Updating target database..."));
     QCOMPARE(wizard.log().last(), QString("< Script executed succesfully! >"));
     QVERIFY(QFile(dir.filePath("result.log")).size() > 0);
+  }
+
+  // The account's direct port leads nowhere: only its SSH tunnel reaches the server.
+  void aStoredAccountReachesTheSecondServerThroughItsTunnel() {
+    if (const std::string missing = lomarin::test::sshServerMissing(); !missing.empty())
+      QSKIP(missing.c_str());
+    lomarin::test::FreshSettings fresh;
+    const QString keyFolder = QDir(fresh.dir.path()).filePath("keys");
+    fresh.store->write(lomarin::opt::CertificatesPath, keyFolder.toStdString());
+    const lomarin::TSshKeyStore keys(keyFolder.toStdString());
+    keys.newClientKey("cmp", lomarin::TSshKeyType::Ed25519);
+    lomarin::test::authorizeKey(keys.publicLine("cmp"));
+    lomarin::TAccount account = lomarin::test::sshAccount();
+    account.SSHClientKey = "cmp";
+    QVERIFY(lomarin::TAccountStore(*fresh.store).add("Through SSH", account));
+
+    TformSchemaCompare wizard(session, fresh.store.get());
+    wizard.show();
+    auto* next = child<QPushButton>(&wizard, "btnNext");
+    next->click();
+    auto* accounts = child<QComboBox>(&wizard, "cobAccount");
+    QCOMPARE(accounts->count(), 2);
+    accounts->setCurrentText("Through SSH");
+    QCOMPARE(child<QLineEdit>(&wizard, "edtUser")->text(), QString::fromStdString(account.Login));
+    QCOMPARE(child<QLineEdit>(&wizard, "edtPort")->text(), QString("1"));
+    render(&wizard, "2_server_account");
+    next->click();
+    QCOMPARE(wizard.currentPage(), int(TformSchemaCompare::pgDatabases));
+    child<QComboBox>(&wizard, "cobSourceDb")->setCurrentText("wiz_source");
+    child<QComboBox>(&wizard, "cobTargetDb")->setCurrentText("wiz_target");
+    QCOMPARE(child<QComboBox>(&wizard, "cobTargetDb")->currentText(), QString("wiz_target"));
+    next->click();
+    next->click();
+    QTRY_COMPARE(wizard.currentPage(), int(TformSchemaCompare::pgResult));
+    QVERIFY2(child<QPlainTextEdit>(&wizard, "memResult")
+                 ->toPlainText()
+                 .contains("ALTER TABLE `t` ADD `note` varchar(20) AFTER `id`;\n"),
+             qPrintable(wizard.log().join('\n')));
+    child<QCheckBox>(&wizard, "chkApply")->setChecked(true);
+    child<QPushButton>(&wizard, "btnFinish")->click();
+    QTRY_VERIFY(!wizard.isVisible());
+    QCOMPARE(wizard.log().last(), QString("< Script executed succesfully! >"));
+    keys.deleteClientKey("cmp");
   }
 
   void onlineToOfflineReadsTheTargetFile() {
