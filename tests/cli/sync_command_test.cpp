@@ -53,11 +53,9 @@ TEST_F(SyncCommand, WritesTheScriptForTablesOfTheSameNameAndExitsByWhatItFound) 
   EXPECT_EQ(1, run.status) << run.err;
   EXPECT_EQ(
       "USE `cli_sync_b`;\r\n"
-      "SET FOREIGN_KEY_CHECKS=0;\r\n"
       "INSERT INTO `t` (`id`, `v`, `b`)\r\nVALUES(1, 'a', 0x00FF);\r\n"
       "UPDATE `t` SET `v`='b'\r\nWHERE `id` = 2;\r\n"
-      "DELETE FROM `t` WHERE `id` = 3;\r\n"
-      "SET FOREIGN_KEY_CHECKS=1;\r\n",
+      "DELETE FROM `t` WHERE `id` = 3;\r\n",
       run.out);
   EXPECT_EQ("All: 3, Deleted: 1, Updated: 1, Inserted: 1, Equal: 0.\n", run.err);
 
@@ -67,7 +65,7 @@ TEST_F(SyncCommand, WritesTheScriptForTablesOfTheSameNameAndExitsByWhatItFound) 
   EXPECT_EQ(1, run.status);
   EXPECT_EQ("", run.out);
   std::ifstream in(script, std::ios::binary);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}).substr(0, 20), "USE `cli_sync_b`;\r\nS");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}).substr(0, 20), "USE `cli_sync_b`;\r\nI");
 
   run = sync({"cli_sync_a", "cli_sync_b", "--apply", "--tables=t"});
   EXPECT_EQ(2, run.status) << "binary values need a BLOB file or hex literals";
@@ -96,8 +94,7 @@ TEST_F(SyncCommand, AFailingPairLeavesTheOthersAndNamesPairByCaseWhenAsked) {
   SyncRun run = sync({"cli_sync_a", "cli_sync_b", "--tables=absent,Mixed:mixed", "--hex-blob"});
   EXPECT_EQ(2, run.status);
   EXPECT_EQ(
-      "USE `cli_sync_b`;\r\nSET FOREIGN_KEY_CHECKS=0;\r\nINSERT INTO `mixed` (`id`, `v`)\r\nVALUES(1, 1);\r\n"
-      "SET FOREIGN_KEY_CHECKS=1;\r\n",
+      "USE `cli_sync_b`;\r\nINSERT INTO `mixed` (`id`, `v`)\r\nVALUES(1, 1);\r\n",
       run.out);
   EXPECT_EQ(
       "Error compare tables absent : absent Database: cli_sync_a Table: absent not exists.\n"

@@ -9,6 +9,7 @@
 #include "engine/compare/compare_error.h"
 #include "engine/compare/my_sql_exec.h"
 #include "engine/compare/sync_statements.h"
+#include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/transfer/sql_text.h"
 
@@ -29,6 +30,29 @@ std::vector<std::string> baseTables(TMyConnection& connection) {
   while (query.Next())
     if (query.Value(1) == "BASE TABLE") tables.emplace_back(query.Value(0));
   return tables;
+}
+
+// Whether a target table of the run has a foreign key or is referenced by one; a side connection,
+// as the comparers open their own. Unknown counts as no: the comparers report the failure.
+bool takesPartInForeignKeys(const TMySessionSettings& target, const std::vector<TDataSyncPair>& pairs) {
+  if (pairs.empty()) return false;
+  try {
+    TMyConnection connection;
+    connection.Settings = target;
+    connection.Connect();
+    std::string names;
+    for (const TDataSyncPair& pair : pairs)
+      names += (names.empty() ? "'" : ", '") + EscapeString(connection, pair.Target) + "'";
+    const std::string db = "'" + EscapeString(connection, target.Database) + "'";
+    TMyQuery query(connection);
+    query.SQL = "SELECT COUNT(*) FROM information_schema.REFERENTIAL_CONSTRAINTS WHERE (CONSTRAINT_SCHEMA = " +
+                db + " AND TABLE_NAME IN (" + names + ")) OR (UNIQUE_CONSTRAINT_SCHEMA = " + db +
+                " AND REFERENCED_TABLE_NAME IN (" + names + "))";
+    query.Open();
+    return query.Next() && query.Value(0) != "0";
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 void addTotals(TSyncCounters& totals, const TSyncCounters& pair) {
@@ -77,10 +101,12 @@ TDataSyncResult TDataSyncJob::Run(const TDataSyncSettings& settings) {
                       ScriptName(settings.Target.Database, true), blobFile ? blobFile->path() : ""}));
 
   // Rows go in key order, table by table, so a foreign key may see its row only later; nor may a
-  // cascade of the target's keys remove rows the source keeps.
+  // cascade of the target's keys remove rows the source keeps. Tables without keys between them
+  // get the plain script.
+  const bool foreignKeys = takesPartInForeignKeys(settings.Target, settings.Pairs);
   bool checksOff = false;
   auto writeStatements = [&](std::string_view text) {
-    if (!std::exchange(checksOff, true)) write("SET FOREIGN_KEY_CHECKS=0;\r\n");
+    if (foreignKeys && !std::exchange(checksOff, true)) write("SET FOREIGN_KEY_CHECKS=0;\r\n");
     write(text);
   };
 
