@@ -15,7 +15,7 @@ struct SentStatements {
   std::vector<std::string> sent;
 };
 
-// Waits until the session of this thread id runs a statement LIKE the pattern.
+// Waits until the session of this thread id runs a statement LIKE the pattern; throws after 30 s.
 void awaitRunning(unsigned long threadId, const std::string& likePattern);
 
 }  // namespace lomarin::test
