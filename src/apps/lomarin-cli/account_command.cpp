@@ -17,7 +17,8 @@ int runSandboxAccount(const ParsedArgs& args, std::FILE* out, std::FILE* err) {
   try {
     SettingsStore settings(SettingsStore::defaultFile());
     const bool created =
-        ensureLocalSandboxAccount(settings, c.Server, c.Port, c.Username, c.Password, c.Database);
+        ensureLocalSandboxAccount(settings, c.Server, c.Port, c.Username, c.Password, c.Database,
+                                  args.keychain);
     std::fprintf(out, created ? "created account \"%s\"\n" : "account \"%s\" exists\n", name.c_str());
   } catch (const SettingsError& error) {
     std::fprintf(err, "lomarin-cli: %s\n", error.what());

@@ -6,6 +6,10 @@
 
 #include "engine/connect/session_settings.h"
 
+namespace lomarin {
+class SecretVault;
+}
+
 namespace lomarin::cli {
 
 struct ParsedArgs {
@@ -14,6 +18,8 @@ struct ParsedArgs {
   std::string account;
   std::vector<std::string> positional;
   std::vector<std::string> flags;  // options of the command itself, e.g. "--optimize"
+  // Where stored accounts may keep their passwords; set by the program, not by an option.
+  SecretVault* keychain = nullptr;
 };
 
 // Reads the connection options every command takes, with the mariadb client's long names:

@@ -18,7 +18,7 @@ void connectSession(const ParsedArgs& args, TMyConnection& session, TSshTunnel& 
     return;
   }
   SettingsStore settings(SettingsStore::defaultFile());
-  const auto account = TAccountStore(settings).load(args.account);
+  const auto account = TAccountStore(settings, args.keychain).load(args.account);
   if (!account) throw std::invalid_argument("no stored account named \"" + args.account + "\"");
   applyAccountToSession(*account, session.Settings);
   ConnectThroughAccountTunnel(session, tunnel, *account, SshKeyStoreFolder(settings));

@@ -1,3 +1,4 @@
+#include <QCoreApplication>
 #include <cstdio>
 #include <stdexcept>
 #include <string>
@@ -10,6 +11,7 @@
 #include "engine/app/settings_store.h"
 #include "engine/connect/ssh_error.h"
 #include "exec_command.h"
+#include "keychain/keychain_vault.h"
 #include "query_command.h"
 #include "sync_command.h"
 
@@ -44,8 +46,12 @@ int main(int argc, char** argv) {
     usage(stdout);
     return 0;
   }
+  // The keychain answers through Qt's event loop.
+  QCoreApplication app(argc, argv);
+  lomarin::KeychainVault keychain;
   try {
-    const auto args = lomarin::cli::parseArgs(std::vector<std::string>(argv + 2, argv + argc));
+    auto args = lomarin::cli::parseArgs(std::vector<std::string>(argv + 2, argv + argc));
+    args.keychain = &keychain;
     if (command == "query") return lomarin::cli::runQuery(args, stdout, stderr);
     if (command == "sandbox-account") return lomarin::cli::runSandboxAccount(args, stdout, stderr);
     if (command == "dump") return lomarin::cli::runDump(args, stdout, stderr);

@@ -63,9 +63,10 @@ QStringList toolbarNameList() {
 
 }  // namespace
 
-Tformppal::Tformppal(SettingsStore& settings, QWidget* parent)
+Tformppal::Tformppal(SettingsStore& settings, SecretVault* keychain, QWidget* parent)
     : QMainWindow(parent),
       settings_(settings),
+      keychain_(keychain),
       lostConnection_([this] { return askReestablishLostConnection(this); }) {
   setObjectName("Tformppal");
   mdiArea_ = new QMdiArea(this);
@@ -178,7 +179,7 @@ void Tformppal::registerHandlers() {
     dialog.exec();
   });
   a.setHandler("actOptions", [this] {
-    TforOptions dialog(settings_, this);
+    TforOptions dialog(settings_, this, keychain_);
     dialog.exec();
   });
 }
@@ -195,7 +196,10 @@ void Tformppal::FormCreate() {
   outputWithStatement_ = settings_.read(opt::OutputWithStatment);
   outputHeight_ = outputPaneHeight(settings_.read(opt::OutputSize));
   resizeDocks({paneOut_}, {outputHeight_}, Qt::Vertical);
-  TAccountStore(settings_).migrateSshPasswords();
+  TAccountStore accounts(settings_, keychain_);
+  accounts.migrateSshPasswords();
+  // Passwords a keychain refused earlier, or stored before it was there, go to it now.
+  accounts.moveSecrets();
   actions_->setConnected(false);
 }
 
@@ -310,7 +314,7 @@ void Tformppal::connectToggle() {
     setWindowTitle(qs(kProductTitle));
     return;
   }
-  TformConnect dialog(settings_, MySqlSession, SshTunnel, this);
+  TformConnect dialog(settings_, MySqlSession, SshTunnel, this, keychain_);
   connect(&dialog, &TformConnect::aboutToConnect, explorer_, &TframeExplorer::setDatabaseFilter);
   if (dialog.exec() != QDialog::Accepted) return;
   const TAccount& account = dialog.connectedAccount();

@@ -19,6 +19,7 @@ class QMenu;
 class QPlainTextEdit;
 
 namespace lomarin {
+class SecretVault;
 class SettingsStore;
 }
 
@@ -34,7 +35,8 @@ struct WindowLayout;
 class Tformppal : public QMainWindow {
   Q_OBJECT
  public:
-  explicit Tformppal(SettingsStore& settings, QWidget* parent = nullptr);
+  // Account passwords go to the keychain when there is one and it answers.
+  explicit Tformppal(SettingsStore& settings, SecretVault* keychain = nullptr, QWidget* parent = nullptr);
   ~Tformppal() override;
 
   TMySQLMonitor MySqlMonitor;
@@ -46,6 +48,7 @@ class Tformppal : public QMainWindow {
   bool IsSSHTunnel() const { return SshTunnel.IsOpen(); }
 
   SettingsStore& settings() { return settings_; }
+  SecretVault* keychain() const { return keychain_; }
   MainActions& actions() { return *actions_; }
   QMdiArea* mdiArea() const { return mdiArea_; }
   QDockWidget* paneOut() const { return paneOut_; }
@@ -123,6 +126,7 @@ class Tformppal : public QMainWindow {
   void onSessionError(const ServerError& error);
 
   SettingsStore& settings_;
+  SecretVault* keychain_;
   TLostConnectionHandler lostConnection_;
   MainActions* actions_;
   MonitorRelay* monitorRelay_;

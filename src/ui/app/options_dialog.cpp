@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -17,7 +18,9 @@
 
 #include "engine/app/option_names.h"
 #include "engine/app/settings_store.h"
+#include "engine/connect/accounts.h"
 #include "engine/connect/accounts_choices.h"
+#include "engine/connect/secret_vault.h"
 #include "ui/app/exception_dialog.h"
 
 namespace lomarin::ui {
@@ -81,7 +84,8 @@ QString currentDefault(const StringOption& option) {
 
 }  // namespace
 
-TforOptions::TforOptions(SettingsStore& settings, QWidget* parent) : QDialog(parent), settings_(settings) {
+TforOptions::TforOptions(SettingsStore& settings, QWidget* parent, SecretVault* keychain)
+    : QDialog(parent), settings_(settings), keychain_(keychain) {
   setObjectName("TforOptions");
   setWindowTitle(tr("Options"));
   pages_ = new QTabWidget(this);
@@ -97,6 +101,7 @@ TforOptions::TforOptions(SettingsStore& settings, QWidget* parent) : QDialog(par
         },
         option);
   }
+  addKeychainOption(page(tr("General")));
 
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   buttons->button(QDialogButtonBox::Ok)->setObjectName("btnOk");
@@ -173,6 +178,37 @@ void TforOptions::addOption(QFormLayout* form, const StringOption& option) {
   }
   form->addRow(name.trimmed(), field);
   writers_.push_back([this, option, text] { return settings_.write(option, text().toStdString()); });
+}
+
+void TforOptions::addKeychainOption(QFormLayout* form) {
+  const BoolOption& option = opt::PasswordsInKeychain;
+  auto* box = new QCheckBox(tr("Keep account passwords in the system keychain"), form->parentWidget());
+  box->setObjectName(qs(option.name));
+  const bool wasOn = settings_.read(option);
+  box->setChecked(wasOn);
+  form->addRow(box);
+  if (!keychain_ || !keychain_->available()) {
+    auto* note = new QLabel(tr("No system keychain answers: the passwords stay enciphered in the settings file."),
+                            form->parentWidget());
+    note->setObjectName("lblNoKeychain");
+    note->setWordWrap(true);
+    note->setEnabled(false);
+    form->addRow(note);
+  }
+  writers_.push_back([this, option, box, wasOn] {
+    if (!settings_.write(option, box->isChecked())) return false;
+    if (box->isChecked() == wasOn) return true;
+    const std::vector<std::string> stayed = TAccountStore(settings_, keychain_).moveSecrets();
+    if (!stayed.empty()) {
+      QStringList names;
+      for (const std::string& name : stayed) names << qs(name);
+      ShowServerError(this,
+                      tr("The passwords of these accounts could not be moved and stay where they were: %1")
+                          .arg(names.join(", ")),
+                      QString());
+    }
+    return true;
+  });
 }
 
 bool TforOptions::save() {

@@ -11,6 +11,7 @@ class QTabWidget;
 class QFormLayout;
 
 namespace lomarin {
+class SecretVault;
 class SettingsStore;
 }
 
@@ -22,7 +23,7 @@ namespace lomarin::ui {
 class TforOptions : public QDialog {
   Q_OBJECT
  public:
-  TforOptions(SettingsStore& settings, QWidget* parent = nullptr);
+  TforOptions(SettingsStore& settings, QWidget* parent = nullptr, SecretVault* keychain = nullptr);
 
   // False when the settings file could not be written; the dialog then stays open.
   bool save();
@@ -31,8 +32,11 @@ class TforOptions : public QDialog {
   QFormLayout* page(const QString& title);
   void addOption(QFormLayout* page, const BoolOption& option);
   void addOption(QFormLayout* page, const StringOption& option);
+  // Switching it moves every account's passwords at once.
+  void addKeychainOption(QFormLayout* page);
 
   SettingsStore& settings_;
+  SecretVault* keychain_;
   QTabWidget* pages_;
   QHash<QString, QFormLayout*> pageLayouts_;
   // Writes one control's state back; in dialog order.

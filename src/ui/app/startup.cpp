@@ -8,6 +8,7 @@
 #include "engine/app/shell_text.h"
 #include "engine/connect/accounts.h"
 #include "engine/connect/accounts_session.h"
+#include "keychain/keychain_vault.h"
 #include "ui/app/exception_dialog.h"
 #include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
@@ -20,7 +21,7 @@ namespace lomarin::ui {
 namespace {
 
 void connectAccount(Tformppal& window, SettingsStore& settings, const QString& name) {
-  const std::optional<TAccount> account = TAccountStore(settings).load(name.toStdString());
+  const std::optional<TAccount> account = TAccountStore(settings, window.keychain()).load(name.toStdString());
   if (!account) {
     window.ShowServerError(QObject::tr("There is no account named \"%1\"").arg(name));
     return;
@@ -92,7 +93,8 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
     return 1;
   }
 
-  Tformppal window(*settings);
+  KeychainVault keychain;
+  Tformppal window(*settings, &keychain);
   for (const auto& install : features) install(window);
   app.setErrorHandler([&window](const std::exception& error) { window.showUnhandledError(error); });
 

@@ -52,6 +52,9 @@ void TformAccount::btnOkClick() {
     showConnectMessage(this, tr("The account could not be saved: the settings file cannot be written."));
     return;
   }
+  if (store_.keptOutOfKeychain())
+    showConnectMessage(this, tr("The keychain did not take the account's passwords; the settings file keeps "
+                                "them enciphered."));
   accept();
 }
 

@@ -34,12 +34,12 @@ QIcon accountIcon(bool usesSsh) {
 }  // namespace
 
 TformConnect::TformConnect(SettingsStore& settings, TMyConnection& session, TSshTunnel& tunnel,
-                           QWidget* parent)
+                           QWidget* parent, SecretVault* keychain)
     : QDialog(parent),
       settings_(settings),
       session_(session),
       tunnel_(tunnel),
-      accounts_(settings),
+      accounts_(settings, keychain),
       ui_(std::make_unique<Ui::TformConnect>()) {
   ui_->setupUi(this);
   ui_->lblTitle->setText(QStringLiteral("Lomarin for MySQL 6.0"));

@@ -11,6 +11,7 @@ class TformConnect;
 }
 
 namespace lomarin {
+class SecretVault;
 class SettingsStore;
 class TMyConnection;
 class TSshTunnel;
@@ -28,7 +29,7 @@ class TformConnect : public QDialog {
   Q_OBJECT
  public:
   TformConnect(SettingsStore& settings, TMyConnection& session, TSshTunnel& tunnel,
-               QWidget* parent = nullptr);
+               QWidget* parent = nullptr, SecretVault* keychain = nullptr);
   ~TformConnect() override;
 
   // The account chosen in the list when the connect was made; empty when none was.

@@ -44,10 +44,12 @@ QString qs(const std::string& text) { return QString::fromStdString(text); }
 
 }  // namespace
 
-TfrmTransferdatabase::TfrmTransferdatabase(TMyConnection& session, SettingsStore& settings, QWidget* parent)
+TfrmTransferdatabase::TfrmTransferdatabase(TMyConnection& session, SettingsStore& settings, QWidget* parent,
+                                           SecretVault* keychain)
     : QDialog(parent),
       session_(session),
       settings_(settings),
+      keychain_(keychain),
       transfer_(std::make_unique<TTransferDatabase>(session, MyTransConnect)),
       activity_(std::make_unique<TSessionActivity>(session)) {
   setObjectName("TfrmTransferdatabase");
@@ -193,7 +195,7 @@ void TfrmTransferdatabase::buildUi() {
 void TfrmTransferdatabase::cboAccountChange() {
   account_.reset();
   if (cboAccount_->currentIndex() <= 0) return;
-  account_ = TAccountStore(settings_).load(cboAccount_->currentText().toStdString());
+  account_ = TAccountStore(settings_, keychain_).load(cboAccount_->currentText().toStdString());
   if (!account_) return;
   edtLogin_->setText(qs(account_->Login));
   edtPassword_->setText(qs(account_->Password));

@@ -18,6 +18,7 @@ class QProgressBar;
 class QPushButton;
 
 namespace lomarin {
+class SecretVault;
 class SettingsStore;
 }
 
@@ -30,7 +31,8 @@ class TSessionActivity;
 class TfrmTransferdatabase : public QDialog {
   Q_OBJECT
  public:
-  TfrmTransferdatabase(TMyConnection& session, SettingsStore& settings, QWidget* parent = nullptr);
+  TfrmTransferdatabase(TMyConnection& session, SettingsStore& settings, QWidget* parent = nullptr,
+                       SecretVault* keychain = nullptr);
   ~TfrmTransferdatabase() override;
 
   const TMyDump& dump() const { return transfer_->Dump; }
@@ -53,6 +55,7 @@ class TfrmTransferdatabase : public QDialog {
 
   TMyConnection& session_;
   SettingsStore& settings_;
+  SecretVault* keychain_;
   // Outlives the connection, whose disconnect closes it.
   TSshTunnel tunnel_;
   TMyConnection MyTransConnect;

@@ -19,7 +19,7 @@ void installTransferCommands(Tformppal& window) {
     window.actions().setHandler(action, openExport);
   window.actions().setHandler("actTransfer", [&window] {
     if (!window.currentdb()) return;
-    TfrmTransferdatabase dialog(window.MySqlSession, window.settings(), &window);
+    TfrmTransferdatabase dialog(window.MySqlSession, window.settings(), &window, window.keychain());
     dialog.exec();
   });
 }

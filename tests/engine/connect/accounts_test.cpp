@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "engine/app/settings_store.h"
 #include "engine/connect/accounts_cipher.h"
 #include "engine/connect/accounts_session.h"
+#include "engine/connect/secret_vault.h"
 
 namespace lomarin {
 namespace {
@@ -86,7 +88,8 @@ TEST_F(AccountsTest, ValuesAreWrittenInTheirFixedOrderWithOffValues) {
                                           "PHP Proxy login",
                                           "PHP Proxy password",
                                           "PHP Proxy port",
-                                          "PHP Secret"};
+                                          "PHP Secret",
+                                          "Passwords in keychain"};
   EXPECT_EQ(settings_->valueNames(kKey + "work"), expected);
 
   EXPECT_EQ(raw("work", "Database Port"), "3307");
@@ -181,6 +184,91 @@ TEST_F(AccountsTest, DuplicateNamesAreRefusedAndEditKeepsTheOrder) {
   EXPECT_TRUE(store.remove("main"));
   EXPECT_TRUE(store.names().empty());
   EXPECT_TRUE(settings_->valueNames(kKey + "main").empty());
+}
+
+// A keychain that can stop answering or refuse writes, which a real one does at awkward moments.
+class FickleKeychain : public SecretVault {
+ public:
+  bool answers = true;
+  // Writes it still takes before it refuses; negative: no limit.
+  int writesLeft = -1;
+  std::map<std::string, std::string> secrets;
+
+  bool available() override { return answers; }
+  std::optional<std::string> read(const std::string& key) override {
+    if (!answers) return std::nullopt;
+    const auto found = secrets.find(key);
+    return found == secrets.end() ? std::string() : found->second;
+  }
+  bool write(const std::string& key, const std::string& secret) override {
+    if (!answers || writesLeft == 0) return false;
+    if (writesLeft > 0) --writesLeft;
+    secrets[key] = secret;
+    return true;
+  }
+  bool remove(const std::string& key) override {
+    if (answers) secrets.erase(key);
+    return answers;
+  }
+};
+
+TEST_F(AccountsTest, RefusedKeychainKeepsThePasswordsEncipheredAndNoneBehind) {
+  FickleKeychain keychain;
+  keychain.writesLeft = 1;
+  TAccountStore store(*settings_, &keychain);
+  TAccount a = sample();
+  a.UseSSH = true;
+  a.SSHPassword = "ssh pw";
+  ASSERT_TRUE(store.add("work", a));
+
+  EXPECT_TRUE(store.keptOutOfKeychain());
+  EXPECT_EQ(raw("work", "Password"), encipher("s3cret pw"));
+  EXPECT_EQ(raw("work", "SSH Password"), encipher("ssh pw"));
+  EXPECT_EQ(raw("work", "Passwords in keychain"), "0");
+  EXPECT_TRUE(keychain.secrets.empty()) << "the one password it took is taken back";
+  EXPECT_EQ(store.load("work"), a);
+}
+
+TEST_F(AccountsTest, MovingPasswordsWhileTheKeychainIsAwayLosesNone) {
+  FickleKeychain keychain;
+  TAccountStore store(*settings_, &keychain);
+  TAccount a = sample();
+  a.UsePHP = true;
+  a.ProxyPassword = "proxy pw";
+  a.PHPSecret = "tunnel secret";
+  ASSERT_TRUE(store.add("Work", a));
+  EXPECT_FALSE(store.keptOutOfKeychain());
+  EXPECT_EQ(raw("Work", "Password"), "");
+  EXPECT_EQ(raw("Work", "PHP Secret"), "");
+  EXPECT_EQ(keychain.secrets.at("Work\\PHP Secret"), "tunnel secret");
+  EXPECT_EQ(store.load("WORK"), a) << "keychain entries follow the stored spelling of the name";
+
+  settings_->write(opt::PasswordsInKeychain, false);
+  keychain.answers = false;
+  EXPECT_EQ(store.moveSecrets(), std::vector<std::string>{"Work"});
+  EXPECT_EQ(raw("Work", "Passwords in keychain"), "-1");
+  EXPECT_EQ(keychain.secrets.size(), 3u);
+
+  keychain.answers = true;
+  EXPECT_TRUE(store.moveSecrets().empty());
+  EXPECT_EQ(raw("Work", "Password"), encipher("s3cret pw"));
+  EXPECT_EQ(raw("Work", "PHP Proxy password"), encipher("proxy pw"));
+  EXPECT_EQ(raw("Work", "Passwords in keychain"), "0");
+  EXPECT_TRUE(keychain.secrets.empty());
+  EXPECT_EQ(store.load("Work"), a);
+
+  // Back in, and a refusal half-way leaves it where it was.
+  settings_->write(opt::PasswordsInKeychain, true);
+  keychain.writesLeft = 2;
+  EXPECT_EQ(store.moveSecrets(), std::vector<std::string>{"Work"});
+  EXPECT_EQ(raw("Work", "Password"), encipher("s3cret pw"));
+  EXPECT_TRUE(keychain.secrets.empty());
+  keychain.writesLeft = -1;
+  EXPECT_TRUE(store.moveSecrets().empty());
+  EXPECT_EQ(store.load("Work"), a);
+
+  EXPECT_TRUE(store.remove("work"));
+  EXPECT_TRUE(keychain.secrets.empty());
 }
 
 TEST_F(AccountsTest, SshPasswordMigrationRunsOnce) {

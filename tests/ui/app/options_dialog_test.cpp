@@ -1,10 +1,12 @@
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <QTest>
 
 #include "engine/app/option_names.h"
+#include "engine/connect/secret_vault.h"
 #include "shell_test_support.h"
 #include "ui/app/options_dialog.h"
 #include "ui_test_registry.h"
@@ -55,6 +57,10 @@ class OptionsDialogTest : public QObject {
             },
             option);
       }
+      // No keychain here: the passwords stay in the store, and the dialog says so.
+      auto* keychain = dialog.findChild<QCheckBox*>(qs(lomarin::opt::PasswordsInKeychain.name));
+      QVERIFY(keychain && keychain->isChecked());
+      QVERIFY(dialog.findChild<QLabel*>("lblNoKeychain"));
       lomarin::test::render(dialog, "options_dialog");
       QVERIFY(dialog.save());
     }
