@@ -186,14 +186,21 @@ void TforOptions::addKeychainOption(QFormLayout* form) {
   box->setObjectName(qs(option.name));
   const bool wasOn = settings_.read(option);
   box->setChecked(wasOn);
-  form->addRow(box);
+  // Beside the other password option.
+  int row = form->rowCount();
+  QFormLayout::ItemRole role;
+  if (auto* savePassword = findChild<QCheckBox*>(qs(opt::SavePassWord.name))) {
+    form->getWidgetPosition(savePassword, &row, &role);
+    ++row;
+  }
+  form->insertRow(row, box);
   if (!keychain_ || !keychain_->available()) {
     auto* note = new QLabel(tr("No system keychain answers: the passwords stay enciphered in the settings file."),
                             form->parentWidget());
     note->setObjectName("lblNoKeychain");
     note->setWordWrap(true);
     note->setEnabled(false);
-    form->addRow(note);
+    form->insertRow(row + 1, note);
   }
   writers_.push_back([this, option, box, wasOn] {
     if (!settings_.write(option, box->isChecked())) return false;

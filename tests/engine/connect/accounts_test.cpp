@@ -233,6 +233,8 @@ TEST_F(AccountsTest, MovingPasswordsWhileTheKeychainIsAwayLosesNone) {
   FickleKeychain keychain;
   TAccountStore store(*settings_, &keychain);
   TAccount a = sample();
+  a.UseSSH = true;
+  a.SSHPassword = "ssh pw";
   a.UsePHP = true;
   a.ProxyPassword = "proxy pw";
   a.PHPSecret = "tunnel secret";
@@ -247,7 +249,7 @@ TEST_F(AccountsTest, MovingPasswordsWhileTheKeychainIsAwayLosesNone) {
   keychain.answers = false;
   EXPECT_EQ(store.moveSecrets(), std::vector<std::string>{"Work"});
   EXPECT_EQ(raw("Work", "Passwords in keychain"), "-1");
-  EXPECT_EQ(keychain.secrets.size(), 3u);
+  EXPECT_EQ(keychain.secrets.size(), 4u);
 
   keychain.answers = true;
   EXPECT_TRUE(store.moveSecrets().empty());
@@ -259,7 +261,7 @@ TEST_F(AccountsTest, MovingPasswordsWhileTheKeychainIsAwayLosesNone) {
 
   // Back in, and a refusal half-way leaves it where it was.
   settings_->write(opt::PasswordsInKeychain, true);
-  keychain.writesLeft = 2;
+  keychain.writesLeft = 3;
   EXPECT_EQ(store.moveSecrets(), std::vector<std::string>{"Work"});
   EXPECT_EQ(raw("Work", "Password"), encipher("s3cret pw"));
   EXPECT_TRUE(keychain.secrets.empty());
