@@ -12,6 +12,7 @@
 #include "engine/connect/ssh_tunnel.h"
 #include "keychain/keychain_vault.h"
 #include "shell_test_support.h"
+#include "sandbox_account.h"
 #include "test_server.h"
 #include "ui/app/options_dialog.h"
 #include "ui/connect/form_connect.h"
@@ -25,16 +26,7 @@ const std::string kSandbox = "Keychain sandbox";
 const std::string kTunnelled = "Tunnelled";
 const char* const kSecretNames[] = {"Password", "SSH Password", "PHP Proxy password", "PHP Secret"};
 
-TAccount sandboxAccount() {
-  const auto server = test::serverSettings();
-  TAccount a;
-  a.Login = server.Username;
-  a.Password = server.Password;
-  a.Server = server.Server;
-  a.Port = server.Port;
-  a.Database = "lomarin_demo";
-  return a;
-}
+using test::sandboxAccount;
 
 TAccount tunnelledAccount() {
   TAccount a;

@@ -7,6 +7,7 @@
 #include "engine/app/option_names.h"
 #include "engine/connect/accounts.h"
 #include "shell_test_support.h"
+#include "sandbox_account.h"
 #include "test_server.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
@@ -25,14 +26,7 @@ constexpr const char* kReadRow = "SELECT v FROM tx_rows WHERE id = 1";
 std::string storedValue() { return test::scalar(*test::connect(), kReadRow); }
 
 void connectWithTheDialog(Tformppal& window, SettingsStore& store) {
-  const auto server = test::serverSettings();
-  TAccount account;
-  account.Login = server.Username;
-  account.Password = server.Password;
-  account.Server = server.Server;
-  account.Port = server.Port;
-  account.Database = "lomarin_test";
-  TAccountStore(store).add("sandbox", account);
+  TAccountStore(store).add("sandbox", test::sandboxAccount("lomarin_test"));
   test::onNextModal<TformConnect>([](TformConnect* dialog) {
     auto* accounts = dialog->findChild<QTreeWidget*>("lvAccounts");
     accounts->setCurrentItem(accounts->topLevelItem(0));

@@ -19,6 +19,7 @@
 #include "engine/connect/ssh_key_store.h"
 #include "engine/connect/ssh_tunnel.h"
 #include "modal_helper.h"
+#include "sandbox_account.h"
 #include "test_server.h"
 #include "test_ssh_server.h"
 #include "test_web_server.h"
@@ -41,16 +42,7 @@ T* child(QWidget* parent, const char* name) {
   return widget;
 }
 
-TAccount sandboxAccount() {
-  const auto server = test::serverSettings();
-  TAccount a;
-  a.Login = server.Username;
-  a.Password = server.Password;
-  a.Server = server.Server;
-  a.Port = server.Port;
-  a.Database = "lomarin_demo";
-  return a;
-}
+using test::sandboxAccount;
 
 class FormConnectTest : public QObject {
   Q_OBJECT
