@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "engine/connect/tunnel_script.h"
+#include "sandbox_account.h"
 #include "test_host.h"
 #include "test_server.h"
 
@@ -108,12 +109,7 @@ TestProxy::TestProxy(const std::string& user, const std::string& password) : por
 }
 
 TAccount httpTunnelAccount(const std::string& url) {
-  const TMySessionSettings server = serverSettings();
-  TAccount a;
-  a.Login = server.Username;
-  a.Password = server.Password;
-  a.Server = server.Server;
-  a.Port = server.Port;
+  TAccount a = sandboxAccount("");
   a.UsePHP = true;
   a.PHPUrl = url;
   a.PHPSecret = kTunnelSecret;
