@@ -106,6 +106,14 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
   else if (!problem.isEmpty())
     window.ShowServerError(problem);
 
+  // Whatever is on screen, a question included: the program ends, saving what needs no answer.
+  // Installed before the listener: from then on others see this process running and may signal it.
+  bool ending = false;
+  QuitOnSignal quitOnSignal([&window, &ending] {
+    ending = true;
+    window.endWithoutQuestions();
+    QCoreApplication::exit(0);
+  });
   InstanceServer server;
   QObject::connect(&server, &InstanceServer::openFileRequested, &window, [&window](const QString& name) {
     if (window.isMinimized()) window.showNormal();
@@ -117,13 +125,6 @@ int runLomarin(int argc, char** argv, const std::vector<FeatureInstaller>& featu
   if (!server.listen(socketFolder, &problem))
     std::fprintf(stderr, "lomarin: no single-instance hand-off: %s\n", qPrintable(problem));
 
-  // Whatever is on screen, a question included: the program ends, saving what needs no answer.
-  bool ending = false;
-  QuitOnSignal quitOnSignal([&window, &ending] {
-    ending = true;
-    window.endWithoutQuestions();
-    QCoreApplication::exit(0);
-  });
   // The first start fills the screen; later ones restore the geometry the window was left with.
   if (!layout || !layout->geometry.isValid()) window.setWindowState(Qt::WindowMaximized);
   window.show();
