@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <cstdio>
 #include <fstream>
@@ -25,8 +24,6 @@ using test::slurp;
 class AccountOption : public ::testing::Test {
  protected:
   void SetUp() override {
-    ::setenv("LOMARIN_CONFIG_DIR", (folder.path() / "config").c_str(), 1);
-    ::setenv("LOMARIN_DATA_DIR", (folder.path() / "data").c_str(), 1);
     const TSshKeyStore keys(dataFolder());
     keys.newClientKey("cli", TSshKeyType::Ed25519);
     test::authorizeKey(keys.publicLine("cli"));
@@ -35,12 +32,7 @@ class AccountOption : public ::testing::Test {
     SettingsStore settings(SettingsStore::defaultFile());
     ASSERT_TRUE(TAccountStore(settings).add("tunnelled", account));
   }
-  void TearDown() override {
-    ::unsetenv("LOMARIN_CONFIG_DIR");
-    ::unsetenv("LOMARIN_DATA_DIR");
-  }
-
-  test::TempFolder folder;
+  test::FreshUserFolders user;
   std::FILE* out = std::tmpfile();
   std::FILE* err = std::tmpfile();
 };
@@ -58,7 +50,7 @@ TEST_F(AccountOption, QueryExecAndDumpConnectThroughTheAccountsTunnel) {
   EXPECT_NE(slurp(script).find("CREATE TABLE `categories`"), std::string::npos);
   std::fclose(script);
 
-  const auto file = folder.path() / "script.sql";
+  const auto file = user.folder.path() / "script.sql";
   std::ofstream(file) << "DROP DATABASE IF EXISTS cli_account;\nCREATE DATABASE cli_account;\n"
                          "CREATE TABLE cli_account.t (n INT);\nINSERT INTO cli_account.t VALUES (7);\n";
   EXPECT_EQ(runExec(parseArgs({"--account", "tunnelled", file.string()}), err), 0) << slurp(err);

@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <string>
-
 #include "cli_options.h"
-#include "query_command.h"
 #include "cli_test_support.h"
+#include "query_command.h"
 #include "test_server.h"
 #include "tsv_writer.h"
 
@@ -13,11 +10,10 @@ namespace lomarin::cli {
 namespace {
 
 using test::connectionArgs;
-using test::slurp;
 
 TEST(CliOptions, MariadbLongNamesInBothForms) {
-  auto a = parseArgs({"--host=db.example", "--port", "3307", "--user=u", "--password=p=w",
-                      "--database", "shop", "--ssl-ca=/ca.pem", "--compress", "select 1", "--optimize"});
+  auto a = parseArgs({"--host=db.example", "--port", "3307", "--user=u", "--password=p=w", "--database",
+                      "shop", "--ssl-ca=/ca.pem", "--compress", "select 1", "--optimize"});
   EXPECT_EQ(a.connection.Server, "db.example");
   EXPECT_EQ(a.connection.Port, 3307);
   EXPECT_EQ(a.connection.Username, "u");
@@ -37,27 +33,18 @@ TEST(TsvWriter, EscapesLikeTheBatchClient) {
   EXPECT_EQ(TsvWriter::escape("plain"), "plain");
 }
 
-TEST(QueryCommand, PrintsHeaderAndRowsTabSeparated) {
+TEST(QueryCommand, PrintsRowsTabSeparatedAndServerErrorsWithTheirNumber) {
   auto args = connectionArgs();
   args.push_back("SELECT 1 AS a, NULL AS b, 'x\ty' AS c UNION ALL SELECT 2, 'n', ''");
-  std::FILE* out = std::tmpfile();
-  std::FILE* err = std::tmpfile();
-  EXPECT_EQ(runQuery(parseArgs(args), out, err), 0);
-  EXPECT_EQ(slurp(out), "a\tb\tc\n1\tNULL\tx\\ty\n2\tn\t\n");
-  EXPECT_EQ(slurp(err), "");
-  std::fclose(out);
-  std::fclose(err);
-}
+  const auto rows = test::runQueryCommand(args);
+  EXPECT_EQ(rows.code, 0);
+  EXPECT_EQ(rows.out, "a\tb\tc\n1\tNULL\tx\\ty\n2\tn\t\n");
+  EXPECT_EQ(rows.err, "");
 
-TEST(QueryCommand, ServerErrorGoesToStderrWithNumber) {
-  auto args = connectionArgs();
-  args.push_back("SELECT * FROM mysql.no_such_table");
-  std::FILE* out = std::tmpfile();
-  std::FILE* err = std::tmpfile();
-  EXPECT_EQ(runQuery(parseArgs(args), out, err), 1);
-  EXPECT_EQ(slurp(err), "ERROR 1146 (42S02): Table 'mysql.no_such_table' doesn't exist\n");
-  std::fclose(out);
-  std::fclose(err);
+  args.back() = "SELECT * FROM mysql.no_such_table";
+  const auto refused = test::runQueryCommand(args);
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_EQ(refused.err, "ERROR 1146 (42S02): Table 'mysql.no_such_table' doesn't exist\n");
 }
 
 }  // namespace

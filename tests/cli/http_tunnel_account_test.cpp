@@ -1,27 +1,20 @@
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <cstdio>
 
 #include "cli_options.h"
 #include "cli_test_support.h"
 #include "engine/app/settings_store.h"
 #include "engine/connect/accounts.h"
-#include "query_command.h"
 #include "test_web_server.h"
 
 namespace lomarin::cli {
 namespace {
-
-using test::slurp;
 
 // A fresh user whose accounts reach the server through the tunnel script, directly and through
 // a proxy.
 class HttpTunnelAccount : public ::testing::Test {
  protected:
   void SetUp() override {
-    ::setenv("LOMARIN_CONFIG_DIR", (folder.path() / "config").c_str(), 1);
-    ::setenv("LOMARIN_DATA_DIR", (folder.path() / "data").c_str(), 1);
     SettingsStore settings(SettingsStore::defaultFile());
     TAccountStore accounts(settings);
     TAccount account = test::httpTunnelAccount(web.url());
@@ -32,23 +25,15 @@ class HttpTunnelAccount : public ::testing::Test {
     account.ProxyPassword = "proxy-secret";
     ASSERT_TRUE(accounts.add("web-proxy", account));
   }
-  void TearDown() override {
-    ::unsetenv("LOMARIN_CONFIG_DIR");
-    ::unsetenv("LOMARIN_DATA_DIR");
-  }
 
   std::string query(std::vector<std::string> args, const std::string& sql) {
     args.push_back(sql);
-    std::FILE* out = std::tmpfile();
-    std::FILE* err = std::tmpfile();
-    EXPECT_EQ(runQuery(parseArgs(args), out, err), 0) << slurp(err);
-    std::string text = slurp(out);
-    std::fclose(out);
-    std::fclose(err);
-    return text;
+    const auto run = test::runQueryCommand(args);
+    EXPECT_EQ(run.code, 0) << run.err;
+    return run.out;
   }
 
-  test::TempFolder folder;
+  test::FreshUserFolders user;
   test::TunnelWebServer web;
   test::TestProxy proxy{"cli", "proxy-secret"};
 };
