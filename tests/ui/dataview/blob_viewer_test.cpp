@@ -49,9 +49,9 @@ QByteArray storedContent(TMyConnection& session, int mediaId) {
 }
 
 struct Viewer {
-  Viewer(test::DataviewFixture& f, const std::string& database, int row) {
+  Viewer(test::DataviewFixture& f, int row) {
     f.settings->write(opt::UseLimit, false);
-    frame = openTableWindow(&f.area, *f.session, *f.settings, database, "product_media", false)->frameData();
+    frame = f.open("product_media")->frameData();
     frame->grid()->setCurrentIndex(frame->model()->index(row, kContent));
     form = std::make_unique<TformBlobViewer>(*frame, kContent, *f.settings);
     form->resize(720, 480);
@@ -81,7 +81,7 @@ class BlobViewerTest : public QObject {
  private slots:
   void showsTheValueOnEveryTabAndMovesBetweenRecords() {
     test::DataviewFixture f;
-    Viewer v(f, "lomarin_demo", 0);
+    Viewer v(f, 0);
     QCOMPARE(v.form->windowTitle(), QString("Blob Viewer"));
     // The PNG row: a picture of 8 x 8 pixels, its bytes in the hex view and in the owner-only work file.
     QCOMPARE(v.image()->pixmap().size(), QSize(8, 8));
@@ -123,11 +123,9 @@ class BlobViewerTest : public QObject {
   }
 
   void loadsEditsAndUnloadsTheFieldByteForByte() {
-    test::sideExec("DROP TABLE IF EXISTS lomarin_test.product_media");
-    test::sideExec("CREATE TABLE lomarin_test.product_media LIKE lomarin_demo.product_media");
-    test::sideExec("INSERT INTO lomarin_test.product_media SELECT * FROM lomarin_demo.product_media");
+    test::copyDemoTable("product_media");
     test::DataviewFixture f("lomarin_test");
-    Viewer v(f, "lomarin_test", 2);
+    Viewer v(f, 2);
 
     QByteArray every;
     for (int i = 0; i < 3 * 256; ++i) every += static_cast<char>(i % 256);
@@ -170,7 +168,7 @@ class BlobViewerTest : public QObject {
 
   void htmlNamesNoFileItFetches() {
     test::DataviewFixture f;
-    Viewer v(f, "lomarin_demo", 0);
+    Viewer v(f, 0);
     const QString picture = f.folder.filePath("local.png");
     QVERIFY(v.image()->pixmap().save(picture));
     const QUrl url = QUrl::fromLocalFile(picture);

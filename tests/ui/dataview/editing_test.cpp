@@ -19,12 +19,6 @@ namespace {
 using namespace lomarin;
 using namespace lomarin::ui;
 
-void copyDemo(const std::string& table) {
-  test::sideExec("DROP TABLE IF EXISTS lomarin_test." + table);
-  test::sideExec("CREATE TABLE lomarin_test." + table + " LIKE lomarin_demo." + table);
-  test::sideExec("INSERT INTO lomarin_test." + table + " SELECT * FROM lomarin_demo." + table);
-}
-
 // The grid of a frame showing a statement, with the errors it shows collected.
 struct Grid {
   explicit Grid(test::DataviewFixture& f) : frame(*f.session, *f.settings) {
@@ -47,7 +41,7 @@ class EditingTest : public QObject {
   Q_OBJECT
  private slots:
   void cellEditsReachExactlyThatRow() {
-    copyDemo("product_media");
+    test::copyDemoTable("product_media");
     test::DataviewFixture f("lomarin_test");
     Grid grid(f);
     QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
@@ -76,7 +70,7 @@ class EditingTest : public QObject {
   }
 
   void refusedUpdateKeepsTheEdit() {
-    copyDemo("product_media");
+    test::copyDemoTable("product_media");
     test::DataviewFixture f("lomarin_test");
     Grid grid(f);
     QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
@@ -96,7 +90,7 @@ class EditingTest : public QObject {
   }
 
   void insertAndDeleteRows() {
-    copyDemo("product_media");
+    test::copyDemoTable("product_media");
     test::DataviewFixture f("lomarin_test");
     Grid grid(f);
     QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
@@ -135,7 +129,7 @@ class EditingTest : public QObject {
   }
 
   void pasteWritesCellsAcrossAndDown() {
-    copyDemo("product_media");
+    test::copyDemoTable("product_media");
     test::DataviewFixture f("lomarin_test");
     Grid grid(f);
     QVERIFY(grid.frame.OpenSQL("select * from product_media order by media_id"));
@@ -272,7 +266,7 @@ class EditingTest : public QObject {
   }
 
   void keylessTableIsReadOnlyWithItsReason() {
-    copyDemo("raw_import");
+    test::copyDemoTable("raw_import");
     test::DataviewFixture f("lomarin_test");
     Grid grid(f);
     QVERIFY(grid.frame.OpenSQL("select * from raw_import"));

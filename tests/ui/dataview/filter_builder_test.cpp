@@ -67,8 +67,7 @@ class FilterBuilderTest : public QObject {
   void builtFilterGivesTheRowsOfTheSameHandWrittenWhere() {
     test::DataviewFixture f;
     f.settings->write(opt::UseLimit, false);
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "products", false)->frameData();
+    TframeData* frame = f.open("products")->frameData();
     QTimer::singleShot(0, [] {
       Tformadvfilterbuilder* b = nullptr;
       QTRY_VERIFY((b = qobject_cast<Tformadvfilterbuilder*>(QApplication::activeModalWidget())) != nullptr);

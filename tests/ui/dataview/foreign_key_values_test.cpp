@@ -44,7 +44,7 @@ class ForeignKeyValuesTest : public QObject {
         "ALTER TABLE lomarin_test.orders_fk ADD CONSTRAINT fk_orders_fk_customer FOREIGN KEY (customer_id) "
         "REFERENCES lomarin_demo.customers (customer_id)");
     test::DataviewFixture f("lomarin_test");
-    TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_test", "orders_fk", false);
+    TformData* window = f.open("orders_fk");
     f.area.resize(900, 500);
     window->showMaximized();
     QTableView* grid = window->frameData()->grid();

@@ -18,48 +18,36 @@ namespace {
 using namespace lomarin;
 using namespace lomarin::ui;
 
-// Answers the next message box with `button`, keeping its text.
-void answerBox(QMessageBox::StandardButton button, QString* text) {
-  QTimer::singleShot(0, [=] {
-    QMessageBox* box = nullptr;
-    QTRY_VERIFY((box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) != nullptr);
-    *text = box->text();
-    box->button(button)->click();
-  });
-}
-
 class FrameCommandsTest : public QObject {
   Q_OBJECT
  private slots:
   void loadingEverythingAsksFirst() {
     test::DataviewFixture f;
     f.settings->write(opt::UseLimit, false);
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "order_items", false)->frameData();
+    TframeData* frame = f.open("order_items")->frameData();
     QCOMPARE(frame->model()->rowCount(), 1000);
     QApplication::clipboard()->setText("before");
     QString warning;
-    answerBox(QMessageBox::Cancel, &warning);
+    test::answerNextBox(QMessageBox::Cancel, &warning);
     frame->CopyGrid();
     QCOMPARE(warning,
              QString("All table records will be loaded in memory, this operation may \r\ntake some time"));
     QCOMPARE(QApplication::clipboard()->text(), QString("before"));
     QCOMPARE(frame->model()->rowCount(), 1000);
 
-    answerBox(QMessageBox::Ok, &warning);
+    test::answerNextBox(QMessageBox::Ok, &warning);
     frame->LoadAllRecords();
     QCOMPARE(frame->model()->rowCount(), 100000);
 
     QString message;
-    answerBox(QMessageBox::Ok, &message);
+    test::answerNextBox(QMessageBox::Ok, &message);
     frame->ShowRecordCount();
     QCOMPARE(message, QString("Records for table `order_items` : 100000"));
   }
 
   void copiesCellsAndRowsAndExportsTheStatement() {
     test::DataviewFixture f;
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false)->frameData();
+    TframeData* frame = f.open("categories")->frameData();
     frame->grid()->setCurrentIndex(frame->model()->index(3, 2));
     frame->CopyCell();
     QCOMPARE(QApplication::clipboard()->text(), QString("Coffee & Tea"));

@@ -43,7 +43,7 @@ class TablePagingTest : public QObject {
  private slots:
   void pagesThroughA250RowTable() {
     test::DataviewFixture f;
-    TformData* window = openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false);
+    TformData* window = f.open("customers");
     TframeData* frame = window->frameData();
     QCOMPARE(window->windowTitle(), QString("TABLE [ `CUSTOMERS` ]"));
     QCOMPARE(
@@ -86,14 +86,13 @@ class TablePagingTest : public QObject {
              (QStringList{"LIMIT 0,100 off", "LIMIT 0,100 off", "LIMIT 100,100 on", "LIMIT 200,100 on"}));
 
     // The same name opens no second window.
-    QCOMPARE(openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false), window);
+    QCOMPARE(f.open("customers"), window);
     QCOMPARE(f.area.subWindowList().size(), 1);
   }
 
   void exactMultipleShowsAnEmptyLastPage() {
     test::DataviewFixture f;
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "products", false)->frameData();
+    TframeData* frame = f.open("products")->frameData();
     Bar bar{frame};
     QCOMPARE(frame->Paging().LastPageStart(), int64_t(200));
     bar.button("sprightall")->click();
@@ -104,8 +103,7 @@ class TablePagingTest : public QObject {
 
   void filterAndSortShapeTheStatement() {
     test::DataviewFixture f;
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false)->frameData();
+    TframeData* frame = f.open("customers")->frameData();
     auto* filter = frame->findChild<QLineEdit*>("edtFilter");
     filter->setText("customer_id > 240");
     QTest::keyClick(filter, Qt::Key_Return);
@@ -147,8 +145,7 @@ class TablePagingTest : public QObject {
 
   void clearingTheFilterBoxShowsEveryRowAgain() {
     test::DataviewFixture f;
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false)->frameData();
+    TframeData* frame = f.open("customers")->frameData();
     auto* filter = frame->findChild<QLineEdit*>("edtFilter");
     filter->setText("customer_id > 240");
     QTest::keyClick(filter, Qt::Key_Return);
@@ -177,8 +174,7 @@ class TablePagingTest : public QObject {
 
   void filterValueListsFilterOnOneValue() {
     test::DataviewFixture f;
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false)->frameData();
+    TframeData* frame = f.open("categories")->frameData();
     f.takeStatements();
     const auto parents = frame->FilterValues(1, 50);
     QCOMPARE(f.takeStatements(), (Statements{"Select DISTINCT `parent_id` From `categories`"}));
@@ -219,8 +215,7 @@ class TablePagingTest : public QObject {
 
   void activeBoxAndLimitSettingsRestartPaging() {
     test::DataviewFixture f;
-    TframeData* frame =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "customers", false)->frameData();
+    TframeData* frame = f.open("customers")->frameData();
     Bar bar{frame};
     auto* active = frame->findChild<QCheckBox*>("cxchkActive");
     active->setChecked(false);

@@ -37,8 +37,7 @@ class TableWindowTest : public QObject {
  private slots:
   void tabsLoadWhenFirstShown() {
     test::DataviewFixture f;
-    TformData* window =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "product_media", false);
+    TformData* window = f.open("product_media");
     QTabWidget* tabs = window->tabs();
     QCOMPARE(tabTexts(tabs),
              (QStringList{"&Data", "&Columns", "F&oreign Keys", "&Triggers", "Partitions", "&Script"}));
@@ -86,8 +85,7 @@ class TableWindowTest : public QObject {
   void viewWindowHasNoPagingAndTableTabs() {
     test::DataviewFixture f;
     f.settings->write(opt::UseLimit, false);
-    TformData* window =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "v_customer_revenue", true);
+    TformData* window = f.open("v_customer_revenue", true);
     QCOMPARE(window->windowTitle(), QString("VIEW [ `V_CUSTOMER_REVENUE` ]"));
     QCOMPARE(tabTexts(window->tabs()), (QStringList{"&Data", "&Columns", "&Script"}));
     QVERIFY(!window->frameData()->findChild<QFrame*>("cxgrbolimit")->isVisible());
@@ -105,8 +103,7 @@ class TableWindowTest : public QObject {
 
   void refreshDataReloadsOnlyItsOwnTable() {
     test::DataviewFixture f;
-    TformData* window =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "categories", false);
+    TformData* window = f.open("categories");
     f.takeStatements();
     window->RefreshData("lomarin_demo", "customers");
     QVERIFY(f.takeStatements().empty());
@@ -118,8 +115,7 @@ class TableWindowTest : public QObject {
 
   void rendersOrderItemsWithTheLimitBar() {
     test::DataviewFixture f;
-    TformData* window =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_demo", "order_items", false);
+    TformData* window = f.open("order_items");
     window->parentWidget()->showMaximized();
     QCOMPARE(window->frameData()->model()->rowCount(), 100);
     QCOMPARE(window->frameData()->Paging().LastPageStart(), int64_t(100000));

@@ -20,16 +20,6 @@ namespace {
 using namespace lomarin;
 using namespace lomarin::ui;
 
-// Answers the next message box with `button`, keeping its text.
-void answerNextBox(QMessageBox::StandardButton button, QString* text) {
-  QTimer::singleShot(0, [button, text] {
-    QMessageBox* box = nullptr;
-    QTRY_VERIFY((box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) != nullptr);
-    *text = box->text();
-    box->button(button)->click();
-  });
-}
-
 class UnsavedRowTest : public QObject {
   Q_OBJECT
  private slots:
@@ -42,8 +32,7 @@ class UnsavedRowTest : public QObject {
     test::DataviewFixture f("lomarin_test");
     f.area.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&f.area));
-    TformData* window =
-        openTableWindow(&f.area, *f.session, *f.settings, "lomarin_test", "short_names", false);
+    TformData* window = f.open("short_names");
     TframeData* frame = window->frameData();
     TDataModel* model = frame->model();
     QTableView* view = frame->grid();
@@ -70,7 +59,7 @@ class UnsavedRowTest : public QObject {
 
     // Leaving the row asks; No stays on it with the change.
     QString question;
-    answerNextBox(QMessageBox::No, &question);
+    test::answerNextBox(QMessageBox::No, &question);
     view->setCurrentIndex(model->index(2, 1));
     QCOMPARE(question,
              "Row 1 was not saved: " + refusal + "\n\nDiscard the change and show the stored values?");
@@ -90,13 +79,13 @@ class UnsavedRowTest : public QObject {
     QVERIFY(!model->setData(model->index(2, 1), "also too long", Qt::EditRole));
     f.takeStatements();
     auto* next = frame->findChild<QToolButton*>("spright");
-    answerNextBox(QMessageBox::No, &question);
+    test::answerNextBox(QMessageBox::No, &question);
     next->click();
     QVERIFY(question.startsWith("Row 3 was not saved: Data too long"));
     QVERIFY(f.takeStatements().empty());
     QCOMPARE(text(2), QString("also too long"));
     QCOMPARE(frame->Paging().PageEnd(), int64_t(100));
-    answerNextBox(QMessageBox::Yes, &question);
+    test::answerNextBox(QMessageBox::Yes, &question);
     next->click();
     QCOMPARE(f.takeStatements().front(), std::string("select * from `short_names`\nLIMIT 100,100"));
     QCOMPARE(model->rowCount(), 50);
