@@ -7,6 +7,7 @@
 #include "engine/connect/accounts.h"
 #include "shell_test_support.h"
 #include "test_server.h"
+#include "ui/app/explorer/frame_explorer.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/connect/form_connect.h"
@@ -33,6 +34,8 @@ void connectWith(Tformppal& window, const QString& charset, const QString& forma
 class EditorFileChoicesTest : public QObject {
   Q_OBJECT
  private slots:
+  // Connecting through the dialog with a stored account sets the caption, fills the tree and hands the
+  // account's editor choices to the main window.
   void eachConnectHandsTheAccountsChoicesToTheMainWindow() {
     lomarin::test::FreshSettings fresh;
     const auto s = lomarin::test::serverSettings();
@@ -44,6 +47,11 @@ class EditorFileChoicesTest : public QObject {
 
     connectWith(window, "Russian", "Unix (CR)", "Swapped Unicode");
     QVERIFY(window.MySqlSession.Connected());
+    QCOMPARE(window.windowTitle(), QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username +
+                                                          ":lomarin_demo@" + s.Server + "]"));
+    const auto demo =
+        window.explorer()->tree()->findItems("lomarin_demo", Qt::MatchExactly | Qt::MatchRecursive);
+    QCOMPARE(demo.size(), 1);
     QCOMPARE(window.editorFileChoices().Charset, std::string("Russian"));
     QCOMPARE(window.editorFileChoices().Format, std::string("Unix (CR)"));
     QCOMPARE(window.editorFileChoices().Encoding, std::string("Swapped Unicode"));

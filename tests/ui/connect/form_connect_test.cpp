@@ -18,6 +18,7 @@
 #include "engine/connect/my_connection.h"
 #include "engine/connect/ssh_key_store.h"
 #include "engine/connect/ssh_tunnel.h"
+#include "find_child.h"
 #include "modal_helper.h"
 #include "sandbox_account.h"
 #include "test_server.h"
@@ -35,11 +36,14 @@ namespace {
 
 const std::string kAccountsKey = std::string(key::Accounts) + "\\";
 
-template <class T>
-T* child(QWidget* parent, const char* name) {
-  auto* widget = parent->findChild<T*>(name);
-  if (!widget) qFatal("no widget %s", name);
-  return widget;
+using test::child;
+
+// Queues a click on OK of the next connect message, keeping its text.
+void noteMessage(QString* text) {
+  test::whenModal(ui::kConnectMessageName, [text](QWidget* box) {
+    *text = static_cast<QMessageBox*>(box)->text();
+    static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+  });
 }
 
 using test::sandboxAccount;
@@ -64,42 +68,8 @@ class FormConnectTest : public QObject {
     session_.Disconnect();
   }
 
-  void namedWidgetsAndLists() {
+  void titleListsAndDefaults() {
     ui::TformConnect form(*settings_, session_, tunnel_);
-    for (const char* name : {"lvAccounts",
-                             "btnAdd",
-                             "btnEdit",
-                             "btnDelete",
-                             "btnOk",
-                             "btnCancel",
-                             "edtLogin",
-                             "edtPassword",
-                             "cboServer",
-                             "cboDatabase",
-                             "spnPort",
-                             "chkShowAllDatabases",
-                             "chkDirect",
-                             "chkSSH",
-                             "edtSSHServer",
-                             "spnSSHPort",
-                             "cboSSHKey",
-                             "chkPHP",
-                             "edtPHPUrl",
-                             "edtProxyHost",
-                             "spnProxyPort",
-                             "edtPHPSecret",
-                             "btnSaveTunnelScript",
-                             "chkSSL",
-                             "edtCACert",
-                             "edtCert",
-                             "edtCipherList",
-                             "edtClientKey",
-                             "spnTimeout",
-                             "cboFontFormat",
-                             "cboFontEncoding",
-                             "chkCompression",
-                             "chkUnicode"})
-      QVERIFY2(form.findChild<QWidget*>(name), name);
     QCOMPARE(child<QLabel>(&form, "lblTitle")->text(), QString("Lomarin for MySQL 6.0"));
     QCOMPARE(child<QPushButton>(&form, "btnOk")->text(), QString("&Ok"));
     auto* charsets = child<QComboBox>(&form, "cboClientCharset");
@@ -320,10 +290,7 @@ class FormConnectTest : public QObject {
     form.show();
     child<ui::TframeAccount>(&form, "frmAccount")->setAccount(wrong);
     QString shown;
-    whenModal(ui::kConnectMessageName, [&](QWidget* box) {
-      shown = static_cast<QMessageBox*>(box)->text();
-      static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
-    });
+    noteMessage(&shown);
     child<QPushButton>(&form, "btnOk")->click();
     QVERIFY(shown.startsWith("1045\n"));
     QVERIFY(!session_.Connected());
@@ -348,16 +315,10 @@ class FormConnectTest : public QObject {
       TAccount wrong = sandboxAccount();
       wrong.Password = "not the password";
       frame->setAccount(wrong);
-      const auto answer = [](QString* text) {
-        whenModal(ui::kConnectMessageName, [text](QWidget* box) {
-          *text = static_cast<QMessageBox*>(box)->text();
-          static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
-        });
-      };
-      answer(&refused);
+      noteMessage(&refused);
       child<QPushButton>(editor, "btnTest")->click();
       frame->setAccount(sandboxAccount());
-      answer(&reported);
+      noteMessage(&reported);
       child<QPushButton>(editor, "btnTest")->click();
       editorKept = editor->isVisible();
       child<QPushButton>(editor, "btnCancel")->click();
@@ -387,10 +348,7 @@ class FormConnectTest : public QObject {
       frame->setAccount(a);
       child<QComboBox>(&form, "cboSSHKey")->setCurrentText(key);
       QString shown;
-      whenModal(ui::kConnectMessageName, [&](QWidget* box) {
-        shown = static_cast<QMessageBox*>(box)->text();
-        static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
-      });
+      noteMessage(&shown);
       child<QPushButton>(&form, "btnOk")->click();
       return shown;
     };
@@ -421,10 +379,7 @@ class FormConnectTest : public QObject {
     secret->setText("guess");
     test::renderPng(&form, "connect_php_page");
     QString shown;
-    whenModal(ui::kConnectMessageName, [&](QWidget* box) {
-      shown = static_cast<QMessageBox*>(box)->text();
-      static_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
-    });
+    noteMessage(&shown);
     child<QPushButton>(&form, "btnOk")->click();
     QVERIFY2(shown.endsWith("\nThe HTTP tunnel failed: the tunnel script at " +
                             QString::fromStdString(web.url()) + " refused the secret (403 Forbidden)"),
@@ -458,33 +413,6 @@ class FormConnectTest : public QObject {
     const QByteArray script = saved.readAll();
     QVERIFY(script.startsWith("<?php"));
     QVERIFY(script.contains("\n$secret = 'it\\'s mine';\n"));
-  }
-
-  void connectMemoryKeepsTheRestOfTheLayoutFile() {
-    const QString file = dir_->filePath("ide_settings.xml");
-    QFile out(file);
-    QVERIFY(out.open(QIODevice::WriteOnly));
-    out.write(
-        "<?xml version=\"1.0\"?>\n<Configuration><General><paneSideBar.Width>240</paneSideBar.Width>"
-        "</General><Connect><edtLogin>old</edtLogin></Connect></Configuration>\n");
-    out.close();
-    const ui::ConnectMemory memory{
-        "3307", "utf8", "Western", "shop", "db & co", "bob", "http://x/t.php?a=1&b=2"};
-    QVERIFY(ui::writeConnectMemory(file, memory));
-    QCOMPARE(ui::readConnectMemory(file), std::optional(memory));
-    QVERIFY(out.open(QIODevice::ReadOnly));
-    const QByteArray text = out.readAll();
-    out.close();
-    QVERIFY(text.contains("<paneSideBar.Width>240</paneSideBar.Width>"));
-    QCOMPARE(text.count("<Connect>"), 1);
-
-    QVERIFY(out.open(QIODevice::WriteOnly));
-    out.write("<Configuration><General>");
-    out.close();
-    QVERIFY(!ui::readConnectMemory(file));
-    QVERIFY2(!ui::writeConnectMemory(file, memory), "a damaged file is never replaced");
-    QVERIFY(out.open(QIODevice::ReadOnly));
-    QCOMPARE(out.readAll(), QByteArray("<Configuration><General>"));
   }
 
   void renderPages() {
