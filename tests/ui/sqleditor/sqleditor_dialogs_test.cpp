@@ -5,7 +5,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QTableView>
 #include <QTest>
 #include <QThread>
@@ -18,12 +17,13 @@
 #include "engine/sqleditor/my_script.h"
 #include "engine/sqleditor/query_params.h"
 #include "engine/sqleditor/script_services.h"
-#include "engine/sqleditor/sql_history.h"
+#include "find_child.h"
+#include "render_path.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "ui/sqleditor/form_exec_script.h"
 #include "ui/sqleditor/form_parameters_monitor.h"
 #include "ui/sqleditor/form_params_manager.h"
-#include "ui/sqleditor/form_sql_history.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/query_wait.h"
 #include "ui/sqleditor/script_progress.h"
@@ -34,18 +34,11 @@ namespace {
 using namespace lomarin;
 using namespace lomarin::ui;
 
-// With LOMARIN_SNAPSHOT_DIR set, each dialog is saved there as a PNG to be looked at.
 void snapshot(QWidget* widget, const char* name) {
-  const QByteArray dir = qgetenv("LOMARIN_SNAPSHOT_DIR");
-  if (!dir.isEmpty()) widget->grab().save(QString::fromUtf8(dir) + "/" + name + ".png");
+  widget->grab().save(test::renderPath(QString(name) + ".png"));
 }
 
-template <class T>
-T* child(QWidget* parent, const char* name) {
-  T* found = parent->findChild<T*>(name);
-  if (!found) qFatal("no widget %s", name);
-  return found;
-}
+using test::child;
 
 // Runs check on the modal dialog once it is up.
 void whenModal(std::function<void(QDialog*)> check) {
@@ -74,8 +67,7 @@ class SqlEditorDialogsTest : public QObject {
     auto session = test::connect();
     TMySQLMonitor monitor;
     QStringList sent;
-    monitor.addListener(
-        [&](const std::string& line) { sent << QString::fromStdString(line.substr(line.find("] ") + 2)); });
+    test::recordStatements(monitor, sent);
     session->setMonitor(&monitor);
     QStringList shown;
     const QString faulty = "create table ui_exec (a int) engine = nosuch_engine_x";
@@ -119,29 +111,6 @@ class SqlEditorDialogsTest : public QObject {
     test::sideExec("DROP TABLE IF EXISTS lomarin_test.ui_exec");
   }
 
-  void historyShowsNewestAndReturnsTheCopyChoice() {
-    THsitory history(folder_, true);
-    history.addRecToHistory("select 1", "root@localhost");
-    history.addRecToHistory("select *\nfrom customers", "root@localhost");
-    SettingsStore settings((folder_ / "settings.db").string());
-    TformSQLHistory dialog(history, settings, {});
-    QCOMPARE(dialog.windowTitle(), QString("SQL history"));
-    auto* grid = child<QTableView>(&dialog, "grdHistory");
-    QCOMPARE(grid->model()->rowCount(), 2);
-    QCOMPARE(grid->currentIndex().row(), 1);
-    QCOMPARE(child<TframeecSQL>(&dialog, "frameSQL")->memo()->text(), QString("select *\nfrom customers"));
-    QVERIFY(child<TframeecSQL>(&dialog, "frameSQL")->isReadOnly());
-    QVERIFY(child<QRadioButton>(&dialog, "rbSQLEditor")->isChecked());
-    dialog.show();
-    snapshot(&dialog, "sql_history");
-    grid->selectRow(0);
-    QCOMPARE(child<TframeecSQL>(&dialog, "frameSQL")->memo()->text(), QString("select 1"));
-    child<QRadioButton>(&dialog, "rbClipboard")->setChecked(true);
-    child<QPushButton>(&dialog, "btnOk")->click();
-    QCOMPARE(dialog.result(), TformSQLHistory::ResultYes);
-    QCOMPARE(dialog.SelectedSQL(), QString("select 1"));
-  }
-
   void askMacroValuesFormatsStoresAndStopsAtCancel() {
     TMyParams params(folder_);
     TMacros macros = MacrosOf("select * from t where price > &price and name = &name");
@@ -161,7 +130,8 @@ class SqlEditorDialogsTest : public QObject {
       });
     });
     const auto escape = [](std::string_view value) { return "<" + std::string(value) + ">"; };
-    QVERIFY(!AskMacroValues(macros, params, escape, [&](const QString& m) { shown << m; }, nullptr));
+    QVERIFY(!AskMacroValues(
+        macros, params, escape, [&](const QString& m) { shown << m; }, nullptr));
     QCOMPARE(macros[0].Value, std::string("'<3,5>'"));
     QCOMPARE(macros[1].Value, std::string());
     QVERIFY(shown.isEmpty());

@@ -2,9 +2,6 @@
 
 #include <QAction>
 #include <QComboBox>
-#include <QElapsedTimer>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -16,6 +13,7 @@
 #include "engine/connect/accounts.h"
 #include "engine/connect/my_connection.h"
 #include "engine/connect/ssh_key_store.h"
+#include "sqleditor_test_support.h"
 #include "test_server.h"
 #include "test_ssh_server.h"
 #include "ui/app/explorer/frame_explorer.h"
@@ -24,7 +22,6 @@
 #include "ui/connect/form_connect.h"
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
-#include "ui/sqleditor/query_wait.h"
 #include "ui/sqleditor/sqleditor_commands.h"
 #include "ui_test_registry.h"
 
@@ -119,29 +116,10 @@ class SshConnectTest : public QObject {
     QCOMPARE(window.windowTitle(), caption);
     QCOMPARE(treeText(window.explorer()->tree()), tree);
 
-    window.actions().action("actSqlEditor")->trigger();
-    auto* editor = qobject_cast<TformSQLEditor*>(window.mdiArea()->activeSubWindow()->widget());
-    QVERIFY(editor);
-    QElapsedTimer sinceStop;
-    // Stop once the request has outlasted the quiet moment and the editor shows its wait; polled,
-    // as the run keeps its own event loop.
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, [&] {
-      if (!editor->waitPanel()->isVisible() || sinceStop.isValid()) return;
-      sinceStop.start();
-      editor->action("actStop")->trigger();
-    });
-    poll.start(20);
-    editor->frame()->memo()->setText("SELECT SLEEP(30)");
-    editor->action("actRun")->trigger();
-    editor->frame()->memo()->setModified(false);
-    QVERIFY(sinceStop.isValid());
-    QVERIFY2(sinceStop.elapsed() < 1000, qPrintable(QString::number(sinceStop.elapsed())));
-    auto side = lomarin::test::connect();
-    QCOMPARE(
-        lomarin::test::scalar(
-            *side, "select count(*) from information_schema.processlist where info = 'SELECT SLEEP(30)'"),
-        std::string("0"));
+    TformSQLEditor* editor = lomarin::test::openEditor(window);
+    const qint64 stopMs = lomarin::test::runSleepAndStop(editor);
+    QVERIFY2(stopMs >= 0 && stopMs < 1000, qPrintable(QString::number(stopMs)));
+    QCOMPARE(lomarin::test::sleepsOnServer(), 0);
 
     // A dropped SSH connection comes back with the session, without a word.
     ModalLog modals;
