@@ -11,6 +11,7 @@
 #include <map>
 
 #include "admin_fixture.h"
+#include "find_child.h"
 #include "test_server.h"
 #include "ui/admin/form_database_sizes.h"
 #include "ui/admin/form_optimizing_tables.h"
@@ -22,13 +23,6 @@ namespace lomarin::test {
 using ui::TfrmOptimizingTables;
 
 namespace {
-
-template <class T>
-T* child(QWidget& parent, const char* name) {
-  T* widget = parent.findChild<T*>(name);
-  if (!widget) qFatal("no widget %s", name);
-  return widget;
-}
 
 QStringList column(QTreeWidget* list, int column) {
   QStringList texts;
@@ -183,7 +177,8 @@ class MaintenanceAndSizesTest : public QObject {
     QCOMPARE(f.takeStatements(), std::vector<std::string>{"show table status  from `lomarin_demo`"});
     auto* list = child<QTreeWidget>(form, "lvTables");
     const auto expected = sideRows(
-        "SELECT TABLE_NAME, IFNULL((DATA_LENGTH >> 10) + (INDEX_LENGTH >> 10), 0) FROM information_schema.TABLES "
+        "SELECT TABLE_NAME, IFNULL((DATA_LENGTH >> 10) + (INDEX_LENGTH >> 10), 0) FROM "
+        "information_schema.TABLES "
         "WHERE TABLE_SCHEMA = 'lomarin_demo'");
     std::map<std::string, std::string> shownSizes;
     for (int i = 0; i < list->topLevelItemCount(); ++i)

@@ -21,6 +21,7 @@
 #include "../app/shell_test_support.h"
 #include "admin_fixture.h"
 #include "engine/connect/my_query.h"
+#include "find_child.h"
 #include "test_server.h"
 #include "ui/admin/admin_commands.h"
 #include "ui/admin/form_database_sizes.h"
@@ -105,12 +106,19 @@ bool showsSleeper(TfrmSessions& form, const SleepingConnection& sleeper) {
   return row >= 0 && cell(form, row, "Info") == "SELECT SLEEP(60)";
 }
 
-template <class T>
-T* child(QWidget& parent, const char* name) {
-  T* widget = parent.findChild<T*>(name);
-  if (!widget) qFatal("no widget %s", name);
-  return widget;
-}
+// The session monitor on a fresh user's settings, opened; shown at a size for its renders.
+struct Monitor {
+  explicit Monitor(bool shown = false) {
+    if (shown) {
+      form.resize(1280, 860);
+      form.show();
+    }
+    form.Open();
+  }
+  AdminFixture f;
+  FreshSettings fresh;
+  TfrmSessions form{*f.session, *fresh.store, f.reporter()};
+};
 
 }  // namespace
 
@@ -150,12 +158,9 @@ class SessionMonitorTest : public QObject {
   }
 
   void sleepingConnectionShowsItsStatementAndKillEndsIt() {
-    AdminFixture f;
-    FreshSettings fresh;
-    TfrmSessions form(*f.session, *fresh.store, f.reporter());
-    form.resize(1280, 860);
-    form.show();
-    form.Open();
+    Monitor m(true);
+    AdminFixture& f = m.f;
+    TfrmSessions& form = m.form;
     SleepingConnection sleeper;
     QTRY_VERIFY(showsSleeper(form, sleeper));
     select(form, rowOf(form, sleeper.id));
@@ -192,10 +197,9 @@ class SessionMonitorTest : public QObject {
   }
 
   void killingAConnectionThatHasGoneReportsTheErrorAndStillRefreshes() {
-    AdminFixture f;
-    FreshSettings fresh;
-    TfrmSessions form(*f.session, *fresh.store, f.reporter());
-    form.Open();
+    Monitor m;
+    AdminFixture& f = m.f;
+    TfrmSessions& form = m.form;
     SleepingConnection sleeper;
     QTRY_VERIFY(showsSleeper(form, sleeper));
     select(form, rowOf(form, sleeper.id));
@@ -211,30 +215,25 @@ class SessionMonitorTest : public QObject {
   }
 
   void intervalRefreshesByItselfAndZeroStops() {
-    AdminFixture f;
-    FreshSettings fresh;
-    TfrmSessions form(*f.session, *fresh.store, f.reporter());
-    form.Open();
+    Monitor m;
+    TfrmSessions& form = m.form;
     QSignalSpy refreshed(&form, &TfrmSessions::refreshed);
     auto* interval = child<QSpinBox>(form, "edtInterval");
     QCOMPARE(interval->minimum(), 0);
     QCOMPARE(interval->maximum(), 3600);
-    interval->setValue(2);
+    interval->setValue(1);
     auto* timer = child<QTimer>(form, "tmrRefresh");
     QVERIFY(timer->isActive());
-    QCOMPARE(timer->interval(), 2000);
+    QCOMPARE(timer->interval(), 1000);
     QTRY_VERIFY_WITH_TIMEOUT(refreshed.count() >= 2, 10000);
     interval->setValue(0);
     QVERIFY(!timer->isActive());
   }
 
   void everyChartGetsOnePointPerSeriesPerRefresh() {
-    AdminFixture f;
-    FreshSettings fresh;
-    TfrmSessions form(*f.session, *fresh.store, f.reporter());
-    form.resize(1280, 860);
-    form.show();
-    form.Open();
+    Monitor m(true);
+    AdminFixture& f = m.f;
+    TfrmSessions& form = m.form;
     for (int i = 0; i < 4; ++i) {
       test::sideExec("CREATE TABLE IF NOT EXISTS admin_ui.t" + std::to_string(i + 2) + " (id INT)");
       form.Refresh();

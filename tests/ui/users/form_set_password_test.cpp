@@ -46,18 +46,6 @@ class FormSetPasswordTest : public QObject {
     QVERIFY(f.logsIn(user, "it's new"));
   }
 
-  void anyHostAccountIsNamedWithoutHost() {
-    UsersFixture f;
-    const std::string user = f.userName("pwp");
-    lomarin::test::sideExec("CREATE USER `" + user + "`@`%` IDENTIFIED BY 'old'");
-    TformSetPassword dialog(*f.session, f.reporter(), QString::fromStdString(user), "%");
-    dialog.show();
-    enter(dialog, "fresh", "fresh");
-    QCOMPARE(f.takeStatements(),
-             std::vector<std::string>{"set password for " + user + " = PASSWORD('********')"});
-    QVERIFY(f.logsIn(user, "fresh"));
-  }
-
   void theSessionsOwnAccount() {
     UsersFixture f;
     const std::string user = f.userName("pwo");
