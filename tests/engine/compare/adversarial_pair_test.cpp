@@ -25,14 +25,7 @@ void load(const std::string& database, const std::string& file) {
   script.Execute();
 }
 
-std::vector<std::string> column(TMyConnection& session, const std::string& sql, size_t index = 0) {
-  TMyQuery query(session);
-  query.SQL = sql;
-  query.Open();
-  std::vector<std::string> values;
-  while (query.Next()) values.emplace_back(query.IsNull(index) ? "NULL" : query.Value(index));
-  return values;
-}
+using test::column;
 
 // Every row of a table, invisible columns too, each value as its bytes (a FLOAT widened first).
 std::vector<std::string> rows(TMyConnection& session, const std::string& database, const std::string& table) {

@@ -11,19 +11,6 @@
 
 namespace lomarin::test {
 
-namespace {
-
-std::vector<std::string> column(TMyConnection& session, const std::string& sql, size_t index = 0) {
-  TMyQuery query(session);
-  query.SQL = sql;
-  query.Open();
-  std::vector<std::string> values;
-  while (query.Next()) values.emplace_back(query.IsNull(index) ? "NULL" : query.Value(index));
-  return values;
-}
-
-}  // namespace
-
 void MakeDatabase(const std::string& database, const std::vector<std::string>& statements) {
   sideExec("DROP DATABASE IF EXISTS `" + database + "`");
   auto session = connect(database);

@@ -52,6 +52,15 @@ std::string scalar(TMyConnection& session, const std::string& sql) {
   return std::string(query.Value(0));
 }
 
+std::vector<std::string> column(TMyConnection& session, const std::string& sql, size_t index) {
+  TMyQuery query(session);
+  query.SQL = sql;
+  query.Open();
+  std::vector<std::string> values;
+  while (query.Next()) values.emplace_back(query.IsNull(index) ? "NULL" : query.Value(index));
+  return values;
+}
+
 void expectKillStopsASleepWithinASecond(TMyConnection& session) {
   const unsigned long threadId = session.ThreadId();
   auto sleeping = std::async(std::launch::async, [&session] {

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "engine/connect/my_connection.h"
 
@@ -20,6 +21,9 @@ void sideExec(const std::string& sql);
 
 // First column of the first row.
 std::string scalar(TMyConnection& session, const std::string& sql);
+
+// One column of every row, NULL written "NULL".
+std::vector<std::string> column(TMyConnection& session, const std::string& sql, size_t index = 0);
 
 // Runs SELECT SLEEP(30) on session, kills it from a side connection once the server shows it, and
 // expects the sleep to end within a second and the session to go on.

@@ -13,14 +13,7 @@ namespace {
 const std::string kDemo = "lomarin_demo";
 const std::string kCopy = "dump_roundtrip";
 
-std::vector<std::string> column(TMyConnection& session, const std::string& sql, size_t index = 0) {
-  TMyQuery query(session);
-  query.SQL = sql;
-  query.Open();
-  std::vector<std::string> values;
-  while (query.Next()) values.emplace_back(query.IsNull(index) ? "NULL" : query.Value(index));
-  return values;
-}
+using test::column;
 
 // Everything a restore must bring back, with the database name taken out of the texts.
 std::vector<std::string> fingerprint(TMyConnection& session, const std::string& db) {
