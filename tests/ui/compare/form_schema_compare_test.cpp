@@ -23,6 +23,7 @@
 #include "ui/app/formppal.h"
 #include "ui/app/main_actions.h"
 #include "ui/compare/schema_compare_commands.h"
+#include "ssh_test_key.h"
 #include "ui_test_registry.h"
 
 using lomarin::ui::TformSchemaCompare;
@@ -133,11 +134,7 @@ class FormSchemaCompareTest : public QObject {
     if (const std::string missing = lomarin::test::sshServerMissing(); !missing.empty())
       QSKIP(missing.c_str());
     lomarin::test::FreshSettings fresh;
-    const QString keyFolder = QDir(fresh.dir.path()).filePath("keys");
-    fresh.store->write(lomarin::opt::CertificatesPath, keyFolder.toStdString());
-    const lomarin::TSshKeyStore keys(keyFolder.toStdString());
-    keys.newClientKey("cmp", lomarin::TSshKeyType::Ed25519);
-    lomarin::test::authorizeKey(keys.publicLine("cmp"));
+    const lomarin::TSshKeyStore keys = lomarin::test::addAuthorizedKey(fresh, "cmp");
     lomarin::TAccount account = lomarin::test::sshAccount();
     account.SSHClientKey = "cmp";
     QVERIFY(lomarin::TAccountStore(*fresh.store).add("Through SSH", account));

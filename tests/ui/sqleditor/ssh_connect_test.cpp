@@ -23,6 +23,7 @@
 #include "ui/sqleditor/form_sql_editor.h"
 #include "ui/sqleditor/frame_ec_sql.h"
 #include "ui/sqleditor/sqleditor_commands.h"
+#include "ssh_test_key.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -83,11 +84,7 @@ class SshConnectTest : public QObject {
     if (const std::string missing = lomarin::test::sshServerMissing(); !missing.empty())
       QSKIP(missing.c_str());
     lomarin::test::FreshSettings fresh;
-    const QString keyFolder = QDir(fresh.dir.path()).filePath("keys");
-    fresh.store->write(lomarin::opt::CertificatesPath, keyFolder.toStdString());
-    const lomarin::TSshKeyStore keys(keyFolder.toStdString());
-    keys.newClientKey("gui", lomarin::TSshKeyType::Ed25519);
-    lomarin::test::authorizeKey(keys.publicLine("gui"));
+    const lomarin::TSshKeyStore keys = lomarin::test::addAuthorizedKey(fresh, "gui");
     lomarin::TAccount direct = lomarin::test::sshAccount();
     direct.UseSSH = false;
     direct.Port = lomarin::test::serverSettings().Port;

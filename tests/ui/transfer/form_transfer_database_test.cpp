@@ -19,6 +19,7 @@
 #include "engine/connect/ssh_key_store.h"
 #include "test_server.h"
 #include "test_web_server.h"
+#include "ssh_test_key.h"
 #include "ui_test_registry.h"
 
 namespace {
@@ -44,10 +45,7 @@ class FormTransferDatabaseTest : public QObject {
   void aStoredAccountWithATunnelIsATarget() {
     if (const std::string missing = test::sshServerMissing(); !missing.empty()) QSKIP(missing.c_str());
     test::FreshSettings fresh;
-    const std::string keyFolder = QDir(fresh.dir.path()).filePath("keys").toStdString();
-    fresh.store->write(opt::CertificatesPath, keyFolder);
-    TSshKeyStore(keyFolder).newClientKey("xfer", TSshKeyType::Ed25519);
-    test::authorizeKey(TSshKeyStore(keyFolder).publicLine("xfer"));
+    test::addAuthorizedKey(fresh, "xfer");
     test::TunnelWebServer web;
     TAccount ssh = test::sshAccount();  // its own port is closed: only the tunnel reaches the server
     ssh.SSHClientKey = "xfer";
