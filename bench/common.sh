@@ -85,3 +85,18 @@ FROM n;
 SQL
   done
 }
+
+# Compares the checksums of the sbtest1..sbtestN tables of two databases; a difference ends the
+# bench, as its timing would mean nothing.
+#   expect_equal_sbtest TABLES DB OTHER WHAT
+expect_equal_sbtest() {
+  local list
+  list=$(for ((t = 1; t <= $1; t++)); do printf 'sbtest%d,' "$t"; done)
+  sums() { sql -N -e "CHECKSUM TABLE ${list%,}" "$1" | awk '{print $2}'; }
+  if [[ $(sums "$2") == "$(sums "$3")" ]]; then
+    printf '%-23s: equal (%d tables)\n' "$4 checksums" "$1"
+  else
+    echo "$4 checksums differ" >&2
+    exit 1
+  fi
+}

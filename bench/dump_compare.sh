@@ -40,12 +40,5 @@ awk -v a="$t_ours" -v b="$t_theirs" 'BEGIN {printf "wall-time ratio        : %.3
 # The script must restore to the same rows, or the timing means nothing.
 sql -e "DROP DATABASE IF EXISTS ${db}_restore; CREATE DATABASE ${db}_restore"
 sql "${db}_restore" <"$work/ours.sql"
-list=$(for ((t = 1; t <= tables; t++)); do printf 'sbtest%d,' "$t"; done)
-sums() { sql -N -e "CHECKSUM TABLE ${list%,}" "$1" | awk '{print $2}'; }
-if [[ $(sums "$db") == "$(sums "${db}_restore")" ]]; then
-  echo "restored checksums     : equal ($tables tables)"
-else
-  echo "restored checksums differ" >&2
-  exit 1
-fi
+expect_equal_sbtest "$tables" "$db" "${db}_restore" restored
 sql -e "DROP DATABASE ${db}_restore"

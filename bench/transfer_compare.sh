@@ -56,12 +56,5 @@ echo "mariadb-dump | mariadb : ${t_theirs} s (median of $runs), peak ${m_theirs}
 echo "CPU, tool / server     : ours ${u_ours} s / ${c_ours} s, theirs ${u_theirs} s / ${c_theirs} s (medians)"
 awk -v a="$t_ours" -v b="$t_theirs" 'BEGIN {printf "wall-time ratio        : %.3f\n", a / b}'
 
-list=$(for ((t = 1; t <= tables; t++)); do printf 'sbtest%d,' "$t"; done)
-sums() { sql -N -e "CHECKSUM TABLE ${list%,}" "$1" | awk '{print $2}'; }
-if [[ $(sums "$db") == "$(sums "${db}_copy")" ]]; then
-  echo "copied checksums       : equal ($tables tables)"
-else
-  echo "copied checksums differ" >&2
-  exit 1
-fi
+expect_equal_sbtest "$tables" "$db" "${db}_copy" copied
 sql -e "DROP DATABASE ${db}_copy; DROP DATABASE ${db}_pipe"
